@@ -1,0 +1,84 @@
+#pragma once
+// One connection to one database file, named as the schema names it ("ZEL", "Local").
+#include "store/Statement.h"
+
+#include <list>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+struct sqlite3;
+
+namespace store {
+
+class Database {
+public:
+    Database(std::string databaseName, std::string sessionName);
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    const std::string& databaseName() const { return databaseName_; }
+    const std::string& sessionName() const { return sessionName_; }
+
+    // Settable before opening.
+    void setFileName(std::string fileName);
+    const std::string& fileName() const { return fileName_; }
+    // Carried as the file's protection key; plain SQLite checks it against nothing.
+    void setPassword(std::string password) { password_ = std::move(password); }
+    const std::string& password() const { return password_; }
+
+    // Opens an existing database file; raises a StoreError naming the file when it is missing or
+    // is not a database. `create` is for `quorvel init` and test fixtures only.
+    void open(bool create = false);
+    void close();
+    bool connected() const { return db_ != nullptr; }
+    // Settable after opening; a read-only database refuses every write.
+    void setReadOnly(bool readOnly);
+    bool readOnly() const { return readOnly_; }
+
+    bool tableExists(std::string_view tableName);
+    // The table's indexes in the order they were defined (automatic ones excluded).
+    std::vector<std::string> indexNames(std::string_view tableName);
+
+    // Runs one statement text as given (no translation); raises on error.
+    void execute(const std::string& sql);
+    // Runs a script of several statements; for creating cells and fixtures only.
+    void executeScript(const std::string& sql);
+    // A prepared statement kept for reuse; valid until the database closes.
+    Statement& cached(const std::string& sql);
+    sqlite3* handle();
+    // Rows changed by the last statement.
+    int changes() const;
+    // Increments whenever any statement on this connection may have changed data.
+    std::uint64_t generation() const { return generation_; }
+    void bumpGeneration() { ++generation_; }
+
+private:
+    std::string databaseName_;
+    std::string sessionName_;
+    std::string fileName_;
+    std::string password_;
+    bool readOnly_ = false;
+    sqlite3* db_ = nullptr;
+    std::unordered_map<std::string, std::unique_ptr<Statement>> cache_;
+    std::uint64_t generation_ = 0;
+};
+
+// A transaction on one database that rolls back unless committed; nests through savepoints.
+class Transaction {
+public:
+    explicit Transaction(Database& db);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    void commit();
+
+private:
+    Database& db_;
+    std::string name_;
+    bool done_ = false;
+};
+
+} // namespace store

@@ -1,0 +1,38 @@
+#pragma once
+// A prepared statement, owned; errors name the statement text.
+#include "store/Value.h"
+
+#include <string>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace store {
+
+class Statement {
+public:
+    // Prepares exactly one statement; text after the first statement is an error.
+    Statement(sqlite3* db, std::string sql);
+    ~Statement();
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+    void bind(int index, const Value& value);  // index from 1
+    // Steps once; true when a row is ready.
+    bool step();
+    // Runs a statement that returns no rows, resetting it afterwards.
+    void run();
+    void reset();
+    int columnCount() const;
+    std::string columnName(int index) const;  // from 0
+    Value column(int index) const;            // from 0
+    std::int64_t columnInteger(int index) const;
+    const std::string& sql() const { return sql_; }
+
+private:
+    sqlite3* db_;
+    sqlite3_stmt* stmt_ = nullptr;
+    std::string sql_;
+};
+
+} // namespace store

@@ -1,0 +1,91 @@
+#pragma once
+// A table as a cursor in key order. The position is the key tuple of the current row (plus rowid
+// where the key admits duplicates); every move is one indexed lookup, so changes made by any
+// statement are seen at the next move.
+#include "store/Dataset.h"
+
+#include <functional>
+#include <memory>
+
+namespace store {
+
+class Database;
+class Statement;
+
+class Table : public Dataset {
+public:
+    Table(Database& database, std::string tableName);
+    ~Table() override;
+
+    const std::string& tableName() const { return tableName_; }
+    Database& database() const { return *database_; }
+
+    // Raises a StoreError naming the table and the database when the table is absent.
+    void open() override;
+    void close() override;
+
+    // The table's index definitions, in order of definition.
+    std::vector<std::string> indexDefs();
+    // Selects the order and the key for lookups; "" for the natural (insertion) order.
+    void setIndexName(const std::string& name);
+    const std::string& indexName() const { return indexName_; }
+    const std::vector<std::string>& keyFields() const { return keyNames_; }
+
+    void first() override;
+    void last() override;
+    void next() override;
+    void prior() override;
+    int recordCount() override;
+    int recNo() override;
+
+    // Exact search on the leading key columns; the cursor stays where it was when nothing matches.
+    bool findKey(const std::vector<Value>& key);
+    // The first (filtered) row whose key is not less than the values; past the last key the cursor
+    // stands on the last row.
+    void findNearest(const std::vector<Value>& key);
+
+    void post() override;
+    void deleteRecord() override;
+    void insertRecord(const std::vector<Value>& values) override;
+    void appendRecord(const std::vector<Value>& values) override;
+
+    void setFilter(const std::string& text) override;
+    void setFiltered(bool on) override;
+
+    Bookmark getBookmark() const override;
+    void gotoBookmark(const Bookmark& bookmark) override;
+
+    // Before-insert and before-delete events: returning false aborts the change silently.
+    std::function<bool()> beforeInsert;
+    std::function<bool()> beforeDelete;
+
+    std::string describe() const override;
+
+protected:
+    FieldType fieldType(int index) const override;
+
+private:
+    struct Plan;
+    Statement& statement(const std::string& sql);
+    void buildPlan();
+    std::string whereFilter(const std::string& extra) const;
+    // Loads the row found by `stmt` (already stepped); false when there was none.
+    bool loadRow(Statement& stmt);
+    bool readByRowid(std::int64_t rowid);
+    void bindKey(Statement& stmt, int from, const std::vector<Value>& key, bool withRowid);
+    Value coerce(int column, const Value& value) const;
+    void requireBrowse(const char* operation);
+
+    Database* database_;
+    std::string tableName_;
+    std::string indexName_;
+    std::vector<std::string> keyNames_;
+    std::vector<int> keyColumns_;  // column indexes of the key
+    bool keyUnique_ = false;
+    int rowidAlias_ = -1;  // column that is the integer primary key, if any
+    std::vector<FieldType> types_;
+    std::int64_t rowid_ = 0;
+    std::unique_ptr<Plan> plan_;
+};
+
+} // namespace store
