@@ -1,7 +1,7 @@
 # Turns every data/*.sql file into a C++ string constant, looked up by file name.
 file(GLOB _files ${DATA_DIR}/*.sql)
 list(SORT _files)
-set(_out "// Generated from data/*.sql; do not edit.\n#include \"store/EmbeddedData.h\"\n\nnamespace store {\n\nstd::string_view embeddedData(std::string_view name) {\n")
+set(_out "// Generated from data/*.sql; do not edit.\n#include \"store/EmbeddedData.h\"\n\nnamespace store {\n\nstd::string_view embeddedData(std::string_view name) {\n    (void)name;\n")
 foreach(_f IN LISTS _files)
   get_filename_component(_name ${_f} NAME)
   file(READ ${_f} _text)

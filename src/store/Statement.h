@@ -12,7 +12,8 @@ namespace store {
 class Statement {
 public:
     // Prepares exactly one statement; text after the first statement is an error.
-    Statement(sqlite3* db, std::string sql);
+    // `shownText` is the text named in error messages (the caller's text before translation).
+    Statement(sqlite3* db, std::string sql, std::string shownText = {});
     ~Statement();
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
@@ -33,6 +34,7 @@ private:
     sqlite3* db_;
     sqlite3_stmt* stmt_ = nullptr;
     std::string sql_;
+    std::string shown_;
 };
 
 } // namespace store

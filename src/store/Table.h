@@ -74,7 +74,12 @@ private:
     bool readByRowid(std::int64_t rowid);
     void bindKey(Statement& stmt, int from, const std::vector<Value>& key, bool withRowid);
     Value coerce(int column, const Value& value) const;
-    void requireBrowse(const char* operation);
+    // True when the filter pins leading key columns and `row` lies within them.
+    bool withinPinned(const std::vector<Value>& row) const;
+    // Binds the position of `row` to a step or count statement, from key column `from` on.
+    void bindPosition(Statement& stmt, int from, const std::vector<Value>& row, std::int64_t rowid);
+    // The next (or prior) statement for the position of `row`, bound and ready to step.
+    Statement& stepStatement(bool forward, const std::vector<Value>& row, std::int64_t rowid);
 
     Database* database_;
     std::string tableName_;

@@ -1,0 +1,152 @@
+#include "store/Database.h"
+
+#include "store/StoreError.h"
+
+#include <sqlite3.h>
+
+#include <filesystem>
+
+namespace store {
+
+Database::Database(std::string databaseName, std::string sessionName)
+    : databaseName_(std::move(databaseName)), sessionName_(std::move(sessionName)) {}
+
+Database::~Database() { close(); }
+
+void Database::setFileName(std::string fileName) {
+    if (db_)
+        throw StoreError("Cannot change the file of open database " + databaseName_);
+    fileName_ = std::move(fileName);
+}
+
+void Database::open(bool create) {
+    if (db_)
+        return;
+    if (fileName_.empty())
+        throw StoreError("No file is set for database " + databaseName_);
+    std::error_code ec;
+    if (!create && !std::filesystem::is_regular_file(fileName_, ec))
+        throw StoreError("Cannot open database " + databaseName_ + ": file " + fileName_ +
+                             " does not exist",
+                         SQLITE_CANTOPEN);
+    int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX;
+    if (create)
+        flags |= SQLITE_OPEN_CREATE;
+    sqlite3* db = nullptr;
+    int rc = sqlite3_open_v2(fileName_.c_str(), &db, flags, nullptr);
+    if (rc != SQLITE_OK) {
+        std::string message = db ? sqlite3_errmsg(db) : "out of memory";
+        sqlite3_close(db);
+        throw StoreError("Cannot open database " + databaseName_ + " in file " + fileName_ + ": " +
+                             message,
+                         rc);
+    }
+    db_ = db;
+    sqlite3_extended_result_codes(db_, 1);
+    sqlite3_busy_timeout(db_, 5000);
+    try {
+        // Reading the schema proves that the file is a database at all.
+        execute("select count(*) from sqlite_master");
+        // WAL lets the host keep the file open; NORMAL syncs at checkpoints, not at every commit.
+        execute("pragma journal_mode = wal");
+        execute("pragma synchronous = normal");
+    } catch (const StoreError& e) {
+        close();
+        throw StoreError("Cannot open database " + databaseName_ + " in file " + fileName_ +
+                             ": " + e.what(),
+                         e.engineCode());
+    }
+}
+
+void Database::close() {
+    cache_.clear();
+    if (db_) {
+        sqlite3_close_v2(db_);
+        db_ = nullptr;
+    }
+}
+
+void Database::setReadOnly(bool readOnly) {
+    readOnly_ = readOnly;
+    if (db_)
+        execute(readOnly ? "pragma query_only = 1" : "pragma query_only = 0");
+}
+
+sqlite3* Database::handle() {
+    if (!db_)
+        throw StoreError("Database " + databaseName_ + " is not open");
+    return db_;
+}
+
+bool Database::tableExists(std::string_view tableName) {
+    auto& stmt = cached("select 1 from sqlite_master where type = 'table' and name = ? collate nocase");
+    stmt.bind(1, Value(tableName));
+    const bool found = stmt.step();
+    stmt.reset();
+    return found;
+}
+
+std::vector<std::string> Database::indexNames(std::string_view tableName) {
+    auto& stmt = cached("select name from sqlite_master where type = 'index' and tbl_name = ? "
+                        "collate nocase and sql is not null order by rowid");
+    stmt.bind(1, Value(tableName));
+    std::vector<std::string> names;
+    while (stmt.step())
+        names.push_back(stmt.column(0).text());
+    stmt.reset();
+    return names;
+}
+
+void Database::execute(const std::string& sql) {
+    Statement stmt(handle(), sql);
+    ++generation_;
+    stmt.run();
+}
+
+void Database::executeScript(const std::string& sql) {
+    char* error = nullptr;
+    ++generation_;
+    const int rc = sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, &error);
+    if (rc != SQLITE_OK) {
+        std::string message = error ? error : sqlite3_errstr(rc);
+        sqlite3_free(error);
+        throw StoreError("Script failed on database " + databaseName_ + ": " + message, rc);
+    }
+}
+
+Statement& Database::cached(const std::string& sql) {
+    auto it = cache_.find(sql);
+    if (it != cache_.end())
+        return *it->second;
+    // Statement texts of tables are few; ad-hoc texts are not cached here.
+    auto stmt = std::make_unique<Statement>(handle(), sql);
+    auto& ref = *stmt;
+    cache_.emplace(sql, std::move(stmt));
+    return ref;
+}
+
+int Database::changes() const { return db_ ? sqlite3_changes(db_) : 0; }
+
+Transaction::Transaction(Database& db) : db_(db) {
+    static unsigned counter = 0;
+    name_ = "quorvel_tx_" + std::to_string(++counter);
+    db_.execute("savepoint " + name_);
+}
+
+Transaction::~Transaction() {
+    if (done_)
+        return;
+    try {
+        db_.execute("rollback to " + name_);
+        db_.execute("release " + name_);
+    } catch (...) {
+        // A destructor never throws; the connection reports the state at its next use.
+    }
+}
+
+void Transaction::commit() {
+    db_.execute("release " + name_);
+    done_ = true;
+}
+
+} // namespace store

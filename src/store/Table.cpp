@@ -1,0 +1,693 @@
+#include "store/Table.h"
+
+#include "common/Convert.h"
+#include "store/Database.h"
+
+#include <sqlite3.h>
+
+#include <cctype>
+#include <optional>
+
+namespace store {
+
+namespace {
+
+std::string quoteName(const std::string& name) {
+    std::string out = "\"";
+    for (char c : name) {
+        if (c == '"')
+            out += '"';
+        out += c;
+    }
+    return out + "\"";
+}
+
+FieldType typeFromDeclaration(const std::string& declared) {
+    const std::string t = common::upperCase(declared);
+    if (t.find("BOOL") != std::string::npos)
+        return FieldType::Boolean;
+    if (t.find("INT") != std::string::npos)
+        return FieldType::Integer;
+    if (t.find("REAL") != std::string::npos || t.find("FLOA") != std::string::npos ||
+        t.find("DOUB") != std::string::npos)
+        return FieldType::Float;
+    return FieldType::String;
+}
+
+// Reads a filter made only of "column = literal" terms joined by "and" into column -> literal.
+// Anything else (or, other operators, functions) gives nullopt: the filter pins nothing.
+std::optional<std::vector<std::pair<std::string, Value>>> equalityTerms(const std::string& filter) {
+    std::vector<std::pair<std::string, Value>> terms;
+    std::size_t i = 0;
+    const std::size_t n = filter.size();
+    auto skipBlanks = [&] {
+        while (i < n && (filter[i] == ' ' || filter[i] == '\t' || filter[i] == '\r' || filter[i] == '\n'))
+            ++i;
+    };
+    auto isWordChar = [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+    };
+    while (true) {
+        skipBlanks();
+        std::string name;
+        if (i < n && (filter[i] == '[' || filter[i] == '"')) {
+            const char close = filter[i] == '[' ? ']' : '"';
+            const auto end = filter.find(close, i + 1);
+            if (end == std::string::npos)
+                return std::nullopt;
+            name = filter.substr(i + 1, end - i - 1);
+            i = end + 1;
+        } else {
+            while (i < n && isWordChar(filter[i]))
+                name += filter[i++];
+        }
+        if (name.empty())
+            return std::nullopt;
+        skipBlanks();
+        if (i >= n || filter[i] != '=')
+            return std::nullopt;
+        ++i;
+        skipBlanks();
+        Value literal;
+        if (i < n && filter[i] == '\'') {
+            std::string text;
+            ++i;
+            while (true) {
+                if (i >= n)
+                    return std::nullopt;
+                if (filter[i] == '\'') {
+                    if (i + 1 < n && filter[i + 1] == '\'') {
+                        text += '\'';
+                        i += 2;
+                        continue;
+                    }
+                    ++i;
+                    break;
+                }
+                text += filter[i++];
+            }
+            literal = Value(text);
+        } else {
+            std::string number;
+            while (i < n && (isWordChar(filter[i]) || filter[i] == '-' || filter[i] == '+' || filter[i] == '.'))
+                number += filter[i++];
+            auto v = common::tryStrToInt(number);
+            if (!v)
+                return std::nullopt;
+            literal = Value(*v);
+        }
+        terms.emplace_back(name, literal);
+        skipBlanks();
+        if (i >= n)
+            return terms;
+        std::string word;
+        while (i < n && isWordChar(filter[i]))
+            word += filter[i++];
+        if (!common::sameText(word, "and"))
+            return std::nullopt;
+    }
+}
+
+} // namespace
+
+// The statements of the current order and filter. Pointers refer to statements cached by the
+// database; the plan is rebuilt when the filter or the index changes.
+struct Table::Plan {
+    std::string selectFrom;  // select _rowid_, * from "T"
+    std::string where;       // "(filter)" or empty
+    std::string order;       // "k1, k2, _rowid_"
+    std::string orderDesc;
+    std::string tuple;       // "(k1, k2, _rowid_)"
+    int tupleSize = 0;
+    Statement* first = nullptr;
+    Statement* last = nullptr;
+    Statement* next = nullptr;
+    Statement* prior = nullptr;
+    Statement* byRowid = nullptr;
+    // When the filter fixes the leading key columns to constants, moves compare only the rest of
+    // the key, so that the index serves both the filter and the step.
+    std::vector<Value> pinned;
+    Statement* nextPinned = nullptr;
+    Statement* priorPinned = nullptr;
+    std::string pinnedTuple;
+    std::string pinnedMarks;
+    std::vector<Statement*> findKey;      // by number of key values
+    std::vector<Statement*> findNearest;  // by number of key values
+};
+
+Table::Table(Database& database, std::string tableName)
+    : database_(&database), tableName_(std::move(tableName)) {}
+
+Table::~Table() = default;
+
+std::string Table::describe() const { return "table " + tableName_; }
+
+FieldType Table::fieldType(int index) const {
+    const auto i = static_cast<std::size_t>(index);
+    return i < types_.size() ? types_[i] : FieldType::String;
+}
+
+Statement& Table::statement(const std::string& sql) { return database_->cached(sql); }
+
+void Table::open() {
+    if (active())
+        return;
+    if (!database_->connected() || !database_->tableExists(tableName_))
+        throw StoreError("Table " + tableName_ + " does not exist in database " +
+                         database_->databaseName());
+    names_.clear();
+    types_.clear();
+    rowidAlias_ = -1;
+    int pkCount = 0;
+    int pkColumn = -1;
+    {
+        Statement info(database_->handle(), "pragma table_info(" + quoteName(tableName_) + ")");
+        while (info.step()) {
+            names_.push_back(info.column(1).text());
+            const std::string declared = info.column(2).isText() ? info.column(2).text() : "";
+            types_.push_back(typeFromDeclaration(declared));
+            if (info.columnInteger(5) > 0) {
+                ++pkCount;
+                if (common::upperCase(declared) == "INTEGER")
+                    pkColumn = static_cast<int>(names_.size()) - 1;
+            }
+        }
+    }
+    if (pkCount == 1)
+        rowidAlias_ = pkColumn;
+    indexName_.clear();
+    keyNames_.clear();
+    keyColumns_.clear();
+    keyUnique_ = false;
+    setState(DatasetState::Browse);
+    buildPlan();
+    first();
+}
+
+void Table::close() {
+    Dataset::close();
+    plan_.reset();
+}
+
+std::vector<std::string> Table::indexDefs() {
+    // Index names are global to a database file, so a table's index "Primary" is stored as
+    // "<table>.Primary"; the prefix is not part of the name the table shows.
+    std::vector<std::string> names;
+    const std::string prefix = tableName_ + ".";
+    for (auto& name : database_->indexNames(tableName_)) {
+        if (name.size() > prefix.size() && common::sameText(name.substr(0, prefix.size()), prefix))
+            names.push_back(name.substr(prefix.size()));
+        else
+            names.push_back(name);
+    }
+    return names;
+}
+
+void Table::setIndexName(const std::string& name) {
+    settlePendingEdit();
+    keyNames_.clear();
+    keyColumns_.clear();
+    keyUnique_ = false;
+    indexName_.clear();
+    if (!name.empty()) {
+        std::string stored;
+        const std::string prefix = tableName_ + ".";
+        for (auto& candidate : database_->indexNames(tableName_)) {
+            if (common::sameText(candidate, prefix + name) || common::sameText(candidate, name)) {
+                stored = candidate;
+                break;
+            }
+        }
+        if (stored.empty())
+            throw StoreError("Index " + name + " not found on table " + tableName_);
+        {
+            Statement info(database_->handle(), "pragma index_info(" + quoteName(stored) + ")");
+            while (info.step()) {
+                const std::string column = info.column(2).text();
+                keyNames_.push_back(column);
+                keyColumns_.push_back(fieldIndex(column));
+            }
+        }
+        {
+            Statement list(database_->handle(), "pragma index_list(" + quoteName(tableName_) + ")");
+            while (list.step())
+                if (list.column(1).text() == stored)
+                    keyUnique_ = list.columnInteger(2) != 0;
+        }
+        indexName_ = name;
+    }
+    if (active()) {
+        buildPlan();
+        first();
+    }
+}
+
+std::string Table::whereFilter(const std::string& extra) const {
+    std::string where;
+    if (!plan_->where.empty())
+        where = plan_->where;
+    if (!extra.empty())
+        where = where.empty() ? extra : where + " and " + extra;
+    return where.empty() ? std::string() : " where " + where;
+}
+
+void Table::buildPlan() {
+    plan_ = std::make_unique<Plan>();
+    auto& p = *plan_;
+    p.selectFrom = "select _rowid_, * from " + quoteName(tableName_);
+    if (filtered_ && !common::trim(filter_).empty())
+        p.where = "(" + filter_ + ")";
+    std::vector<std::string> order;
+    for (auto& k : keyNames_)
+        order.push_back(quoteName(k));
+    if (!keyUnique_ || order.empty())
+        order.push_back("_rowid_");
+    p.tupleSize = static_cast<int>(order.size());
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        const std::string sep = i ? ", " : "";
+        p.order += sep + order[i];
+        p.orderDesc += sep + order[i] + " desc";
+        p.tuple += sep + order[i];
+    }
+    p.tuple = "(" + p.tuple + ")";
+    std::string marks;
+    for (int i = 0; i < p.tupleSize; ++i)
+        marks += i ? ", ?" : "?";
+    marks = "(" + marks + ")";
+    p.first = &statement(p.selectFrom + whereFilter("") + " order by " + p.order + " limit 1");
+    p.last = &statement(p.selectFrom + whereFilter("") + " order by " + p.orderDesc + " limit 1");
+    p.next = &statement(p.selectFrom + whereFilter(p.tuple + " > " + marks) + " order by " +
+                        p.order + " limit 1");
+    p.prior = &statement(p.selectFrom + whereFilter(p.tuple + " < " + marks) + " order by " +
+                         p.orderDesc + " limit 1");
+    p.byRowid = &statement(p.selectFrom + " where _rowid_ = ?");
+    if (!p.where.empty() && !keyNames_.empty()) {
+        if (auto terms = equalityTerms(filter_)) {
+            for (std::size_t k = 0; k < keyNames_.size(); ++k) {
+                const Value* fixed = nullptr;
+                for (auto& [name, value] : *terms)
+                    if (common::sameText(name, keyNames_[k]))
+                        fixed = &value;
+                if (!fixed)
+                    break;
+                p.pinned.push_back(coerce(keyColumns_[k], *fixed));
+            }
+        }
+    }
+    const auto pinnedCount = static_cast<int>(p.pinned.size());
+    if (pinnedCount > 0 && pinnedCount < p.tupleSize) {
+        for (int i = pinnedCount; i < p.tupleSize; ++i) {
+            p.pinnedTuple += (i > pinnedCount ? ", " : "") + order[static_cast<std::size_t>(i)];
+            p.pinnedMarks += i > pinnedCount ? ", ?" : "?";
+        }
+        p.pinnedTuple = "(" + p.pinnedTuple + ")";
+        p.pinnedMarks = "(" + p.pinnedMarks + ")";
+        p.nextPinned = &statement(p.selectFrom + whereFilter(p.pinnedTuple + " > " + p.pinnedMarks) +
+                                  " order by " + p.order + " limit 1");
+        p.priorPinned = &statement(p.selectFrom + whereFilter(p.pinnedTuple + " < " + p.pinnedMarks) +
+                                   " order by " + p.orderDesc + " limit 1");
+    } else {
+        p.pinned.clear();
+    }
+    p.findKey.assign(keyNames_.size() + 1, nullptr);
+    p.findNearest.assign(keyNames_.size() + 1, nullptr);
+}
+
+bool Table::loadRow(Statement& stmt) {
+    if (!stmt.step()) {
+        stmt.reset();
+        return false;
+    }
+    rowid_ = stmt.columnInteger(0);
+    std::vector<Value> row;
+    row.reserve(names_.size());
+    for (std::size_t i = 0; i < names_.size(); ++i)
+        row.push_back(stmt.column(static_cast<int>(i) + 1));
+    stmt.reset();
+    setRow(std::move(row));
+    return true;
+}
+
+bool Table::readByRowid(std::int64_t rowid) {
+    auto& stmt = *plan_->byRowid;
+    stmt.bind(1, Value(static_cast<long long>(rowid)));
+    return loadRow(stmt);
+}
+
+Value Table::coerce(int column, const Value& value) const {
+    if (column < 0 || value.isNull())
+        return value;
+    switch (fieldType(column)) {
+    case FieldType::Integer:
+    case FieldType::Boolean:
+        if (value.isText()) {
+            if (auto v = common::tryStrToInt(value.text()))
+                return Value(*v);
+        } else if (value.isReal()) {
+            return value;
+        }
+        return value;
+    case FieldType::Float:
+        if (value.isText()) {
+            if (auto v = common::tryStrToFloat(value.text()))
+                return Value(*v);
+        }
+        return value;
+    case FieldType::String:
+        if (value.isInteger())
+            return Value(std::to_string(value.integer()));
+        return value;
+    }
+    return value;
+}
+
+void Table::bindKey(Statement& stmt, int from, const std::vector<Value>& key, bool withRowid) {
+    int index = from;
+    for (std::size_t i = 0; i < key.size(); ++i)
+        stmt.bind(index++, coerce(keyColumns_[i], key[i]));
+    if (withRowid)
+        stmt.bind(index, Value(static_cast<long long>(rowid_)));
+}
+
+bool Table::withinPinned(const std::vector<Value>& row) const {
+    const auto& pinned = plan_->pinned;
+    if (pinned.empty())
+        return false;
+    for (std::size_t i = 0; i < pinned.size(); ++i)
+        if (!(row[static_cast<std::size_t>(keyColumns_[i])] == pinned[i]))
+            return false;
+    return true;
+}
+
+void Table::bindPosition(Statement& stmt, int from, const std::vector<Value>& row,
+                         std::int64_t rowid) {
+    int index = 1;
+    for (std::size_t i = static_cast<std::size_t>(from); i < keyColumns_.size(); ++i)
+        stmt.bind(index++, row[static_cast<std::size_t>(keyColumns_[i])]);
+    if (!keyUnique_ || keyColumns_.empty())
+        stmt.bind(index, Value(static_cast<long long>(rowid)));
+}
+
+Statement& Table::stepStatement(bool forward, const std::vector<Value>& row, std::int64_t rowid) {
+    const bool pinned = withinPinned(row);
+    Statement& stmt = pinned ? *(forward ? plan_->nextPinned : plan_->priorPinned)
+                             : *(forward ? plan_->next : plan_->prior);
+    bindPosition(stmt, pinned ? static_cast<int>(plan_->pinned.size()) : 0, row, rowid);
+    return stmt;
+}
+
+void Table::first() {
+    requireActive();
+    settlePendingEdit();
+    if (loadRow(*plan_->first)) {
+        bof_ = true;
+        eof_ = false;
+    } else {
+        clearRow();
+        bof_ = eof_ = true;
+    }
+    notifyDataChanged();
+}
+
+void Table::last() {
+    requireActive();
+    settlePendingEdit();
+    if (loadRow(*plan_->last)) {
+        bof_ = false;
+        eof_ = true;
+    } else {
+        clearRow();
+        bof_ = eof_ = true;
+    }
+    notifyDataChanged();
+}
+
+void Table::next() {
+    requireActive();
+    settlePendingEdit();
+    if (!hasRow_) {
+        eof_ = true;
+        return;
+    }
+    if (loadRow(stepStatement(true, row_, rowid_))) {
+        bof_ = false;
+        eof_ = false;
+        notifyDataChanged();
+    } else {
+        eof_ = true;
+    }
+}
+
+void Table::prior() {
+    requireActive();
+    settlePendingEdit();
+    if (!hasRow_) {
+        bof_ = true;
+        return;
+    }
+    if (loadRow(stepStatement(false, row_, rowid_))) {
+        bof_ = false;
+        eof_ = false;
+        notifyDataChanged();
+    } else {
+        bof_ = true;
+    }
+}
+
+int Table::recordCount() {
+    requireActive();
+    auto& stmt = statement("select count(*) from " + quoteName(tableName_) + whereFilter(""));
+    stmt.step();
+    const auto n = stmt.columnInteger(0);
+    stmt.reset();
+    return static_cast<int>(n);
+}
+
+int Table::recNo() {
+    requireActive();
+    if (!hasRow_)
+        return 0;
+    const int from = withinPinned(row_) ? static_cast<int>(plan_->pinned.size()) : 0;
+    std::string tuple = from ? plan_->pinnedTuple : plan_->tuple;
+    std::string marks = from ? plan_->pinnedMarks : std::string();
+    if (!from) {
+        for (int i = 0; i < plan_->tupleSize; ++i)
+            marks += i ? ", ?" : "?";
+        marks = "(" + marks + ")";
+    }
+    auto& stmt = statement("select count(*) from " + quoteName(tableName_) +
+                           whereFilter(tuple + " <= " + marks));
+    bindPosition(stmt, from, row_, rowid_);
+    stmt.step();
+    const auto n = stmt.columnInteger(0);
+    stmt.reset();
+    return static_cast<int>(n);
+}
+
+bool Table::findKey(const std::vector<Value>& key) {
+    requireActive();
+    settlePendingEdit();
+    if (keyNames_.empty())
+        throw StoreError("Table " + tableName_ + " has no index selected for a key search");
+    if (key.empty() || key.size() > keyNames_.size())
+        throw StoreError("Key search on table " + tableName_ + " with " +
+                         std::to_string(key.size()) + " values; the key has " +
+                         std::to_string(keyNames_.size()));
+    auto*& cached = plan_->findKey[key.size()];
+    if (!cached) {
+        std::string condition;
+        for (std::size_t i = 0; i < key.size(); ++i)
+            condition += (i ? " and " : "") + quoteName(keyNames_[i]) + " = ?";
+        cached = &statement(plan_->selectFrom + whereFilter(condition) + " order by " +
+                            plan_->order + " limit 1");
+    }
+    // loadRow leaves the current row alone when nothing matches.
+    bindKey(*cached, 1, key, false);
+    if (!loadRow(*cached))
+        return false;
+    bof_ = eof_ = false;
+    notifyDataChanged();
+    return true;
+}
+
+void Table::findNearest(const std::vector<Value>& key) {
+    requireActive();
+    settlePendingEdit();
+    if (keyNames_.empty())
+        throw StoreError("Table " + tableName_ + " has no index selected for a nearest search");
+    if (key.empty() || key.size() > keyNames_.size())
+        throw StoreError("Nearest search on table " + tableName_ + " with " +
+                         std::to_string(key.size()) + " values; the key has " +
+                         std::to_string(keyNames_.size()));
+    auto*& cached = plan_->findNearest[key.size()];
+    if (!cached) {
+        std::string tuple, marks;
+        for (std::size_t i = 0; i < key.size(); ++i) {
+            tuple += (i ? ", " : "") + quoteName(keyNames_[i]);
+            marks += i ? ", ?" : "?";
+        }
+        cached = &statement(plan_->selectFrom + whereFilter("(" + tuple + ") >= (" + marks + ")") +
+                            " order by " + plan_->order + " limit 1");
+    }
+    bindKey(*cached, 1, key, false);
+    if (loadRow(*cached)) {
+        bof_ = eof_ = false;
+    } else if (loadRow(*plan_->last)) {
+        // Past the last key: stand on the last row, with the end flag clear.
+        bof_ = eof_ = false;
+    } else {
+        clearRow();
+        bof_ = eof_ = true;
+    }
+    notifyDataChanged();
+}
+
+void Table::post() {
+    requireActive();
+    if (state() != DatasetState::Edit && state() != DatasetState::Insert)
+        return;
+    notifyBeforePost();
+    std::string sets;
+    std::vector<Value> values;
+    bool aliasChanged = false;
+    for (std::size_t i = 0; i < modified_.size(); ++i) {
+        if (!modified_[i])
+            continue;
+        sets += (sets.empty() ? "" : ", ") + quoteName(names_[i]) + " = ?";
+        values.push_back(coerce(static_cast<int>(i), editRow_[i]));
+        if (static_cast<int>(i) == rowidAlias_)
+            aliasChanged = true;
+    }
+    if (sets.empty()) {
+        cancel();
+        return;
+    }
+    auto& stmt = statement("update " + quoteName(tableName_) + " set " + sets + " where _rowid_ = ?");
+    int index = 1;
+    for (auto& v : values)
+        stmt.bind(index++, v);
+    stmt.bind(index, Value(static_cast<long long>(rowid_)));
+    database_->bumpGeneration();
+    stmt.run();
+    if (database_->changes() == 0) {
+        // The row is gone; the edit is dropped, never inserted anew.
+        editRow_.clear();
+        modified_.clear();
+        setState(DatasetState::Browse);
+        notifyDataChanged();
+        throw StoreError("Cannot post to table " + tableName_ +
+                         ": the record being edited was deleted by another statement");
+    }
+    std::int64_t rowid = rowid_;
+    if (aliasChanged) {
+        const Value& v = editRow_[static_cast<std::size_t>(rowidAlias_)];
+        rowid = v.isInteger() ? v.integer() : common::strToIntDef(v.isText() ? v.text() : "", 0);
+    }
+    editRow_.clear();
+    modified_.clear();
+    setState(DatasetState::Browse);
+    // The cursor moves with the row when its key changed.
+    if (!readByRowid(rowid))
+        clearRow();
+    notifyDataChanged();
+}
+
+void Table::deleteRecord() {
+    requireActive();
+    if (state() == DatasetState::Edit || state() == DatasetState::Insert)
+        cancel();
+    if (!hasRow_)
+        throw StoreError("Cannot delete from table " + tableName_ + ": it has no current record");
+    if (beforeDelete && !beforeDelete())
+        return;
+    const auto deletedRow = row_;
+    const auto deletedRowid = rowid_;
+    auto& del = statement("delete from " + quoteName(tableName_) + " where _rowid_ = ?");
+    del.bind(1, Value(static_cast<long long>(rowid_)));
+    database_->bumpGeneration();
+    del.run();
+    // Go to the next row, or to the new last row when the last was deleted.
+    if (loadRow(stepStatement(true, deletedRow, deletedRowid)) || loadRow(*plan_->last)) {
+        bof_ = eof_ = false;
+    } else {
+        clearRow();
+        bof_ = eof_ = true;
+    }
+    notifyDataChanged();
+}
+
+void Table::insertRecord(const std::vector<Value>& values) {
+    requireActive();
+    settlePendingEdit();
+    if (values.size() > names_.size())
+        throw StoreError("Insert into table " + tableName_ + " with " +
+                         std::to_string(values.size()) + " values; it has " +
+                         std::to_string(names_.size()) + " columns");
+    if (beforeInsert && !beforeInsert())
+        return;
+    std::string sql = "insert into " + quoteName(tableName_);
+    if (values.empty()) {
+        sql += " default values";
+    } else {
+        std::string columns, marks;
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            columns += (i ? ", " : "") + quoteName(names_[i]);
+            marks += i ? ", ?" : "?";
+        }
+        sql += " (" + columns + ") values (" + marks + ")";
+    }
+    auto& stmt = statement(sql);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        stmt.bind(static_cast<int>(i) + 1, values[i]);
+    database_->bumpGeneration();
+    stmt.run();
+    // The cursor stands on the new row.
+    if (readByRowid(sqlite3_last_insert_rowid(database_->handle())))
+        bof_ = eof_ = false;
+    notifyDataChanged();
+}
+
+void Table::appendRecord(const std::vector<Value>& values) { insertRecord(values); }
+
+void Table::setFilter(const std::string& text) {
+    settlePendingEdit();
+    filter_ = text;
+    if (active()) {
+        buildPlan();
+        first();
+    }
+}
+
+void Table::setFiltered(bool on) {
+    settlePendingEdit();
+    filtered_ = on;
+    if (active()) {
+        buildPlan();
+        first();
+    }
+}
+
+Bookmark Table::getBookmark() const {
+    Bookmark b;
+    if (!hasRow_)
+        return b;
+    b.rowid = rowid_;
+    for (int c : keyColumns_)
+        b.key.push_back(row_[static_cast<std::size_t>(c)]);
+    b.valid = true;
+    return b;
+}
+
+void Table::gotoBookmark(const Bookmark& bookmark) {
+    requireActive();
+    settlePendingEdit();
+    if (!bookmark.valid)
+        throw StoreError("Invalid bookmark on table " + tableName_);
+    if (!readByRowid(bookmark.rowid))
+        throw StoreError("Record not found: the bookmarked row of table " + tableName_ +
+                         " no longer exists");
+    bof_ = eof_ = false;
+    notifyDataChanged();
+}
+
+} // namespace store

@@ -1,0 +1,108 @@
+// Queries: one statement per call, reading results, errors that name the statement.
+#include "store/Database.h"
+#include "store/Query.h"
+#include "store/Table.h"
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+
+using store::Database;
+using store::Query;
+using store::StoreError;
+
+namespace {
+
+class QueryTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        db.setFileName(dir.file("q.db"));
+        db.open(true);
+        db.executeScript("create table T(A integer, B text);"
+                         "insert into T values (1, 'x'); insert into T values (2, null);");
+    }
+    std::string message(const std::function<void()>& f) {
+        try {
+            f();
+        } catch (const StoreError& e) {
+            return e.what();
+        }
+        return {};
+    }
+    testsupport::TempDir dir;
+    Database db{"Local", "Default"};
+};
+
+} // namespace
+
+TEST_F(QueryTest, SecondStatementIsRefusedAndNothingRuns) {
+    Query q(db);
+    q.setSql("delete from T where A = 1; delete from T");
+    auto text = message([&] { q.execSQL(); });
+    EXPECT_NE(text.find("delete from T where A = 1; delete from T"), std::string::npos) << text;
+    q.setSql("select count(*) from T");
+    q.open();
+    EXPECT_EQ(q.fields(0).asInteger(), 2);
+    // A quote in a value breaks the statement; the error names it and the table is intact.
+    q.setSql("delete from T where B = 'it's'");
+    text = message([&] { q.execSQL(); });
+    EXPECT_NE(text.find("where B = 'it's'"), std::string::npos) << text;
+    q.setSql("delete from T where B = 'x'; --");
+    q.execSQL();  // a trailing comment is not a statement
+    EXPECT_EQ(q.rowsAffected(), 1);
+}
+
+TEST_F(QueryTest, LinesJoinAndResultsReadWithNullDefaults) {
+    Query q(db);
+    q.setSql("select * from T");
+    q.addLine("where A = 2");
+    q.open();
+    ASSERT_EQ(q.recordCount(), 1);
+    EXPECT_EQ(q.fieldByName("B").asString(), "");
+    EXPECT_TRUE(q.fieldByName("B").isNull());
+    EXPECT_EQ(q.fieldNames(), (std::vector<std::string>{"A", "B"}));
+    q.next();
+    EXPECT_TRUE(q.eof());
+    q.setSql("select * from T where A > 5");
+    q.open();
+    EXPECT_TRUE(q.eof());
+    EXPECT_EQ(q.fields(0).asInteger(), 0);
+    EXPECT_THROW(q.fieldByName("C"), StoreError);
+    q.setSql("select B from T where A = 1");
+    q.open();
+    EXPECT_THROW(q.fields(0).asInteger(), StoreError);  // 'x' is no integer
+}
+
+TEST_F(QueryTest, BrokenFilesGiveClearErrors) {
+    Database missing("ZEL", "ZEL");
+    missing.setFileName(dir.file("absent.db"));
+    auto text = message([&] { missing.open(); });
+    EXPECT_NE(text.find("absent.db"), std::string::npos) << text;
+    testsupport::writeFile(dir.file("junk.db"), std::string(4096, 'j'));
+    Database junk("ZEL", "ZEL");
+    junk.setFileName(dir.file("junk.db"));
+    text = message([&] { junk.open(); });
+    EXPECT_NE(text.find("junk.db"), std::string::npos) << text;
+    EXPECT_FALSE(junk.connected());
+}
+
+TEST_F(QueryTest, TransactionRollsBackUnlessCommitted) {
+    {
+        store::Transaction tx(db);
+        db.execute("delete from T");
+    }
+    Query q(db);
+    q.setSql("select count(*) from T");
+    q.open();
+    EXPECT_EQ(q.fields(0).asInteger(), 2);
+    {
+        store::Transaction outer(db);
+        {
+            store::Transaction inner(db);
+            db.execute("delete from T where A = 1");
+            inner.commit();
+        }
+        outer.commit();
+    }
+    q.open();
+    EXPECT_EQ(q.fields(0).asInteger(), 1);
+}

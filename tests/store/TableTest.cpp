@@ -1,0 +1,382 @@
+// Cursor behaviour of tables: moves, flags, filters, seeks, edits and deletes.
+#include "store/Database.h"
+#include "store/Query.h"
+#include "store/Table.h"
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+
+using store::Database;
+using store::Query;
+using store::StoreError;
+using store::Table;
+using store::Value;
+
+namespace {
+
+class TableTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        db.setFileName(dir.file("t.db"));
+        db.open(true);
+        db.executeScript(R"(
+            create table Jobs(Pallet_Number integer not null, Job_Number integer not null,
+                              Line_Number integer not null, Code text, Syntax_Item integer,
+                              Node_Level integer, Script_Line text, Value_1 text, Value_2 text,
+                              Value_3 text, Value_4 text, Value_5 text, Value_6 text,
+                              Image integer, State integer, Path text);
+            create unique index "Jobs.Primary" on Jobs(Pallet_Number, Job_Number, Line_Number);
+            create table TemplateVersion(Template_ID integer not null, Version integer not null,
+                                         Sequence integer not null, Item integer, Action text,
+                                         Value text, Number integer);
+            create index "TemplateVersion.Primary" on TemplateVersion(Template_ID, Version, Sequence);
+            create table TemplateName(Template_ID integer primary key, Fixture text, Name text,
+                                      Version integer, "Auto Points" boolean);
+            create index "TemplateName.Primary" on TemplateName(Template_ID);
+            create table Loose(A integer, B text);
+            create index "Loose.ByB" on Loose(B);
+        )");
+    }
+
+    // Adds lines 0..count-1 of a job through the table.
+    void addLines(Table& t, int pallet, int job, int count) {
+        for (int i = 0; i < count; ++i)
+            t.appendRecord({pallet, job, i, "C" + std::to_string(i)});
+    }
+
+    testsupport::TempDir dir;
+    Database db{"Local", "Default"};
+};
+
+std::vector<int> walkLines(Table& t) {
+    std::vector<int> lines;
+    t.first();
+    while (!t.eof()) {
+        lines.push_back(t.fieldByName("Line_Number").asInteger());
+        t.next();
+    }
+    return lines;
+}
+
+} // namespace
+
+TEST_F(TableTest, MovesSetFlagsOnlyWhenAMoveFails) {
+    Table t(db, "Jobs");
+    t.open();
+    EXPECT_TRUE(t.eof());
+    EXPECT_TRUE(t.bof());
+    t.setIndexName("Primary");
+    addLines(t, 1, 1, 3);
+    t.first();
+    EXPECT_TRUE(t.bof());
+    EXPECT_FALSE(t.eof());
+    t.next();
+    t.next();  // arrives on the last row: neither flag
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
+    EXPECT_FALSE(t.eof());
+    EXPECT_FALSE(t.bof());
+    t.next();  // fails: end flag, row stays
+    EXPECT_TRUE(t.eof());
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
+    t.prior();
+    t.prior();  // arrives on the first row: no begin flag
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 0);
+    EXPECT_FALSE(t.bof());
+    t.prior();
+    EXPECT_TRUE(t.bof());
+    t.last();
+    EXPECT_TRUE(t.eof());
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
+}
+
+TEST_F(TableTest, KeyOrderNotInsertionOrderAndDuplicatesKeepWriteOrder) {
+    Table t(db, "Jobs");
+    t.open();
+    t.setIndexName("Primary");
+    t.appendRecord({2, 1, 0});
+    t.appendRecord({1, 1, 5});
+    t.appendRecord({1, 1, 1});
+    std::vector<int> pallets;
+    for (t.first(); !t.eof(); t.next())
+        pallets.push_back(t.fieldByName("Pallet_Number").asInteger() * 10 +
+                          t.fieldByName("Line_Number").asInteger());
+    EXPECT_EQ(pallets, (std::vector<int>{11, 15, 20}));
+
+    Table v(db, "TemplateVersion");
+    v.open();
+    ASSERT_EQ(v.indexDefs(), std::vector<std::string>{"Primary"});
+    v.setIndexName("Primary");
+    v.appendRecord({1, 2, 1, 10, "ADD"});
+    v.appendRecord({1, 2, 1, 11, "DEL"});
+    v.appendRecord({1, 1, 1, 12, "MOV"});
+    v.appendRecord({1, 2, 1, 13, "ADD"});
+    std::vector<int> items;
+    for (v.first(); !v.eof(); v.next())
+        items.push_back(v.fieldByName("Item").asInteger());
+    EXPECT_EQ(items, (std::vector<int>{12, 10, 11, 13}));
+    std::vector<int> back;
+    for (v.last(); !v.bof(); v.prior())
+        back.push_back(v.fieldByName("Item").asInteger());
+    EXPECT_EQ(back, (std::vector<int>{13, 11, 10, 12}));
+    EXPECT_EQ(v.recordCount(), 4);
+    v.findKey({1, 2, 1});
+    EXPECT_EQ(v.fieldByName("Item").asInteger(), 10);
+    v.next();
+    EXPECT_EQ(v.recNo(), 3);
+}
+
+TEST_F(TableTest, FiltersLandOnFirstRowAndBoundEveryMove) {
+    Table t(db, "Jobs");
+    t.open();
+    t.setIndexName("Primary");
+    addLines(t, 1, 1, 4);
+    addLines(t, 1, 2, 3);
+    addLines(t, 2, 1, 2);
+    t.findKey({1, 1, 3});
+    t.setFiltered(false);  // same state again: still back to the first row
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 0);
+    t.setFilter("Pallet_Number = 1 and Job_Number = 2");
+    t.setFiltered(true);
+    EXPECT_EQ(t.recordCount(), 3);
+    EXPECT_EQ(walkLines(t), (std::vector<int>{0, 1, 2}));
+    t.last();
+    EXPECT_EQ(t.recNo(), 3);
+    t.prior();
+    EXPECT_EQ(t.recNo(), 2);
+    // A seek sees only filtered rows: the first filtered row at or after the key.
+    t.findNearest({1, 1, 2});
+    EXPECT_EQ(t.fieldByName("Job_Number").asInteger(), 2);
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 0);
+    EXPECT_FALSE(t.findKey({1, 1, 2}));
+    EXPECT_EQ(t.fieldByName("Job_Number").asInteger(), 2);
+    // Past the last key: the last row, end flag clear.
+    t.findNearest({9});
+    EXPECT_FALSE(t.eof());
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
+    // An or-filter over a non-key column.
+    t.setFiltered(false);
+    t.setFilter("Code = 'C1' or Code = 'C3'");
+    t.setFiltered(true);
+    EXPECT_EQ(walkLines(t), (std::vector<int>{1, 3, 1, 1}));
+    // No matching row: end flag right after First.
+    t.setFiltered(false);
+    t.setFilter("Pallet_Number = 7");
+    t.setFiltered(true);
+    EXPECT_TRUE(t.eof());
+    EXPECT_EQ(t.recordCount(), 0);
+    EXPECT_EQ(t.recNo(), 0);
+    EXPECT_EQ(t.fieldByName("Code").asString(), "");
+    // A filter stays on until someone changes it.
+    t.appendRecord({7, 1, 0, "X"});
+    t.appendRecord({8, 1, 0, "Y"});
+    EXPECT_EQ(t.recordCount(), 1);
+    t.setFiltered(false);
+    EXPECT_EQ(t.recordCount(), 11);
+}
+
+TEST_F(TableTest, PinnedFilterStepsMatchFullScanAcrossJobBorders) {
+    Table t(db, "Jobs");
+    t.open();
+    t.setIndexName("Primary");
+    addLines(t, 1, 1, 5);
+    addLines(t, 1, 2, 5);
+    addLines(t, 2, 2, 5);
+    t.setFilter("Pallet_Number = 1 and Job_Number = 2");
+    t.setFiltered(true);
+    EXPECT_EQ(walkLines(t), (std::vector<int>{0, 1, 2, 3, 4}));
+    // Move the current row out of the filtered set by a key change: steps still work.
+    t.findKey({1, 2, 2});
+    t.edit();
+    t.fieldByName("Job_Number").setAsInteger(1);
+    t.fieldByName("Line_Number").setAsInteger(20);
+    t.post();
+    EXPECT_EQ(t.fieldByName("Job_Number").asInteger(), 1);
+    t.next();
+    EXPECT_EQ(t.fieldByName("Job_Number").asInteger(), 2);
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 0);
+    t.setFilter("[Pallet_Number] = 2");
+    EXPECT_EQ(walkLines(t), (std::vector<int>{0, 1, 2, 3, 4}));
+}
+
+TEST_F(TableTest, SeeksOnLeadingKeyColumns) {
+    Table t(db, "Jobs");
+    t.open();
+    EXPECT_THROW(t.findKey({1}), StoreError);  // no index selected yet
+    t.setIndexName("Primary");
+    addLines(t, 3, 1, 3);
+    addLines(t, 5, 2, 3);
+    EXPECT_TRUE(t.findKey({5}));
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 0);
+    EXPECT_TRUE(t.findKey({"3", "1", "2"}));  // text values meet an integer key
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
+    EXPECT_FALSE(t.findKey({4}));
+    EXPECT_EQ(t.fieldByName("Pallet_Number").asInteger(), 3);  // stayed where it was
+    t.findNearest({4});
+    EXPECT_EQ(t.fieldByName("Pallet_Number").asInteger(), 5);
+    t.findNearest({3, 1, 1});
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 1);
+    EXPECT_THROW(t.findKey({1, 2, 3, 4}), StoreError);
+}
+
+TEST_F(TableTest, EditPostWritesChangedColumnsAndFollowsKey) {
+    Table t(db, "Jobs");
+    t.open();
+    t.setIndexName("Primary");
+    addLines(t, 1, 1, 3);
+    t.findKey({1, 1, 1});
+    t.edit();
+    t.fieldByName("Value_1").setAsString("0.500");
+    // Meanwhile a statement changes another column of the same row.
+    Query q(db);
+    q.setSql("update Jobs set Value_2 = 'kept' where Line_Number = 1");
+    q.execSQL();
+    t.post();
+    EXPECT_EQ(t.fieldByName("Value_1").asString(), "0.500");
+    EXPECT_EQ(t.fieldByName("Value_2").asString(), "kept");
+    // A key change moves the cursor with the row.
+    t.edit();
+    t.fieldByName("Line_Number").setAsInteger(9);
+    t.post();
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 9);
+    EXPECT_EQ(t.recNo(), 3);
+    t.prior();
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
+    // A move posts a changed edit and drops an unchanged one.
+    t.edit();
+    t.fieldByName("Code").setAsString("NEW");
+    t.first();
+    t.findKey({1, 1, 2});
+    EXPECT_EQ(t.fieldByName("Code").asString(), "NEW");
+    // Writing needs edit state.
+    EXPECT_THROW(t.fieldByName("Code").setAsString("x"), StoreError);
+    // The edited row deleted meanwhile: a clear error and no re-insert.
+    t.edit();
+    t.fieldByName("Code").setAsString("LOST");
+    q.setSql("delete from Jobs where Line_Number = 2");
+    q.execSQL();
+    try {
+        t.next();
+        FAIL() << "expected a store error";
+    } catch (const StoreError& e) {
+        EXPECT_NE(std::string(e.what()).find("Jobs"), std::string::npos);
+    }
+    Query count(db);
+    count.setSql("select count(*) from Jobs where Code = 'LOST'");
+    count.open();
+    EXPECT_EQ(count.fields(0).asInteger(), 0);
+}
+
+TEST_F(TableTest, IntegerPrimaryKeyChangeMovesCursor) {
+    Table t(db, "TemplateName");
+    t.open();
+    t.setIndexName("Primary");
+    t.appendRecord({1, "F", "one", 1, false});
+    t.appendRecord({2, "F", "two", 1, false});
+    t.findKey({1});
+    t.edit();
+    t.fieldByName("Template_ID").setAsInteger(5);
+    t.post();
+    EXPECT_EQ(t.fieldByName("Name").asString(), "one");
+    EXPECT_EQ(t.fieldByName("Template_ID").asInteger(), 5);
+    t.prior();
+    EXPECT_EQ(t.fieldByName("Name").asString(), "two");
+    EXPECT_EQ(t.fieldByName("Auto Points").asString(), "False");
+    EXPECT_FALSE(t.fieldByName("auto points").asBoolean());
+}
+
+TEST_F(TableTest, DeleteMovesToNextOrNewLast) {
+    Table t(db, "Jobs");
+    t.open();
+    t.setIndexName("Primary");
+    addLines(t, 1, 1, 4);
+    t.findKey({1, 1, 1});
+    t.deleteRecord();
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
+    t.last();
+    t.deleteRecord();
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
+    EXPECT_FALSE(t.eof());
+    t.deleteRecord();
+    t.deleteRecord();
+    EXPECT_TRUE(t.eof());
+    EXPECT_TRUE(t.bof());
+    EXPECT_THROW(t.deleteRecord(), StoreError);
+}
+
+TEST_F(TableTest, InsertByPositionLeavesNullsAndStandsOnNewRow) {
+    Table t(db, "Jobs");
+    t.open();
+    t.setIndexName("Primary");
+    addLines(t, 1, 1, 3);
+    t.insertRecord({1, 1, 10, "G01"});
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 10);
+    EXPECT_TRUE(t.fieldByName("Script_Line").isNull());
+    EXPECT_EQ(t.fieldByName("Script_Line").asString(), "");
+    EXPECT_EQ(t.fieldByName("Image").asInteger(), 0);
+    EXPECT_EQ(t.fieldByName("Image").asFloat(), 0.0);
+    EXPECT_FALSE(t.fieldByName("Image").asBoolean());
+    EXPECT_THROW(t.fieldByName("NoSuchColumn"), StoreError);
+    try {
+        t.fieldByName("Colour");
+    } catch (const StoreError& e) {
+        EXPECT_NE(std::string(e.what()).find("Colour"), std::string::npos);
+    }
+    EXPECT_THROW(t.insertRecord({1, 1, 1}), StoreError);  // key violation
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 10);
+    std::vector<Value> tooMany(17, Value(1));
+    EXPECT_THROW(t.insertRecord(tooMany), StoreError);
+    // Before-insert and before-delete may refuse silently.
+    t.beforeInsert = [] { return false; };
+    t.beforeDelete = [] { return false; };
+    t.insertRecord({1, 1, 11});
+    t.deleteRecord();
+    EXPECT_EQ(t.recordCount(), 4);
+}
+
+TEST_F(TableTest, StatementChangesSeenAtNextMoveAndBookmarks) {
+    Table t(db, "Jobs");
+    t.open();
+    t.setIndexName("Primary");
+    addLines(t, 1, 1, 5);
+    t.findKey({1, 1, 1});
+    auto mark = t.getBookmark();
+    Query q(db);
+    q.setSql("insert into Jobs (Pallet_Number, Job_Number, Line_Number, Code) values (1, 1, 7, 'Q')");
+    q.execSQL();
+    q.setSql("update Jobs set Code = 'U' where Line_Number = 2");
+    q.execSQL();
+    t.next();
+    EXPECT_EQ(t.fieldByName("Code").asString(), "U");
+    t.last();
+    EXPECT_EQ(t.fieldByName("Code").asString(), "Q");
+    t.gotoBookmark(mark);
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 1);
+    t.freeBookmark(mark);
+    EXPECT_THROW(t.gotoBookmark(mark), StoreError);
+    q.setSql("delete from Jobs where Line_Number = 3");
+    q.execSQL();
+    t.findKey({1, 1, 4});
+    auto gone = t.getBookmark();
+    q.setSql("delete from Jobs where Line_Number = 4");
+    q.execSQL();
+    EXPECT_THROW(t.gotoBookmark(gone), StoreError);
+}
+
+TEST_F(TableTest, IndexDefinitionsAndMissingTable) {
+    Table loose(db, "Loose");
+    loose.open();
+    EXPECT_EQ(loose.indexDefs(), std::vector<std::string>{"ByB"});
+    loose.appendRecord({2, "b"});
+    loose.appendRecord({1, "a"});
+    // No index selected: natural order.
+    loose.first();
+    EXPECT_EQ(loose.fieldByName("A").asInteger(), 2);
+    Table missing(db, "Nowhere");
+    try {
+        missing.open();
+        FAIL();
+    } catch (const StoreError& e) {
+        EXPECT_NE(std::string(e.what()).find("Nowhere"), std::string::npos);
+    }
+    EXPECT_FALSE(missing.active());
+}
