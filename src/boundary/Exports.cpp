@@ -1,0 +1,97 @@
+#include "boundary/Exports.h"
+
+#include "common/Convert.h"
+#include "common/Format.h"
+#include "store/DataMod.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace boundary {
+
+namespace {
+bool& loaded() {
+    static bool value = false;
+    return value;
+}
+} // namespace
+
+void LibraryLoad() {
+    if (loaded())
+        return;
+    CreateDM();
+    loaded() = true;
+}
+
+void LibraryUnload() {
+    if (!loaded())
+        return;
+    FreeDM();
+    loaded() = false;
+}
+
+bool LibraryLoaded() { return loaded(); }
+
+void PluginName(std::string& name) { name = ModuleName; }
+
+void FileExtensions(std::string& extensions) { extensions = ModuleFileExtension; }
+
+void Initialize(const std::string& localDirectory, const std::string& sharedDirectory,
+                std::int32_t reserved1, std::int32_t reserved2) {
+    DM().OpenStore(localDirectory, sharedDirectory, reserved1, reserved2);
+}
+
+void LoadTemplateNames(const std::string& fixture, TStringList& list, bool byFixture) {
+    TDM::ClearTemplateNames(&list);
+    list.Add("(New)", std::make_unique<TLinkInfo>());
+    auto query = DM().NewLocalQuery();
+    query->setSql("select * from TemplateName");
+    if (byFixture)
+        query->addLine(common::format("where Fixture = '%s'", {fixture}));
+    query->open();
+    while (!query->eof()) {
+        auto link = std::make_unique<TLinkInfo>();
+        link->TemplateId = query->fieldByName(schema::Template_ID).asInteger();
+        list.Add(query->fieldByName(schema::Name).asString(), std::move(link));
+        query->next();
+    }
+}
+
+void FreeTemplateNames(TStringList* list) { TDM::ClearTemplateNames(list); }
+
+void GetTemplateName(std::int32_t templateId, std::string& name) {
+    name.clear();
+    auto query = DM().NewLocalQuery();
+    query->setSql(common::format("select Name from TemplateName where Template_ID = %d", {templateId}));
+    query->open();
+    if (!query->eof())
+        name = query->fields(0).asString();
+}
+
+bool JobFileExists(const std::string& directory) {
+    namespace fs = std::filesystem;
+    std::error_code ec;
+    fs::directory_iterator it(directory.empty() ? fs::path(".") : fs::path(directory), ec);
+    if (ec)
+        return false;
+    for (; it != fs::directory_iterator(); it.increment(ec)) {
+        if (ec)
+            return false;
+        const std::string name = it->path().filename().string();
+        // Plain and read-only files only: no directories, no hidden (dot) files.
+        if (name.empty() || name[0] == '.' || !it->is_regular_file(ec))
+            continue;
+        if (name.size() >= 3 && common::sameText(name.substr(name.size() - 3), ".NC"))
+            return true;
+    }
+    return false;
+}
+
+void DeleteJob(const std::string& palletNumber, const std::string& jobNumber) {
+    auto query = DM().NewLocalQuery();
+    query->setSql(common::format("delete from Jobs where Pallet_Number = %s and Job_Number = %s",
+                                 {palletNumber, jobNumber}));
+    query->execSQL();
+}
+
+} // namespace boundary
