@@ -3,7 +3,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <optional>
 #include <vector>
 
 namespace store {
@@ -14,12 +13,13 @@ namespace {
 enum class Kind {
     Space,
     Comment,
-    Word,    // identifier or keyword
-    Number,  // decimal literal: 12, 0.500, .5, 5., 1e3
-    String,  // '...'
-    Name,    // "...", [...], `...`
-    Punct,   // one character
-    Other,   // anything the engine rejects or that is no plain decimal (12abc, 0x1F)
+    Word,   // identifier or keyword
+    Number, // decimal literal: 12, 0.500, .5, 5., 1e3
+    String, // '...'
+    Name,   // "...", [...], `...`
+    Punct,  // one character
+    Other,  // anything the engine rejects or that is no plain decimal (12abc, 0x1F)
+    Broken, // a literal or quoted name left open, to the end of the text
 };
 
 struct Token {
@@ -28,14 +28,22 @@ struct Token {
     std::size_t end;
 };
 
-bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
+bool isSpace(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f';
+}
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool isHexDigit(char c) {
+    return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
 bool isIdStart(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
            static_cast<unsigned char>(c) >= 0x80;
 }
-bool isIdChar(char c) { return isIdStart(c) || isDigit(c) || c == '$'; }
+bool isIdChar(char c) {
+    return isIdStart(c) || isDigit(c) || c == '$';
+}
 
 // Index just past a number starting at `i`, and whether it is a plain decimal literal.
 std::size_t scanNumber(std::string_view s, std::size_t i, Kind& kind) {
@@ -74,8 +82,9 @@ std::size_t scanNumber(std::string_view s, std::size_t i, Kind& kind) {
     return i;
 }
 
-// Splits the text into tokens; nothing when a literal or quoted name is left open.
-std::optional<std::vector<Token>> tokenize(std::string_view s) {
+// Splits the text into tokens. A literal or quoted name left open becomes one last token that
+// runs to the end: it is never closed here, so the engine still sees it broken and refuses it.
+std::vector<Token> tokenize(std::string_view s) {
     std::vector<Token> tokens;
     const std::size_t n = s.size();
     std::size_t i = 0;
@@ -103,7 +112,7 @@ std::optional<std::vector<Token>> tokenize(std::string_view s) {
             while (i < n) {
                 if (s[i] == c) {
                     if (i + 1 < n && s[i + 1] == c) {
-                        i += 2;  // doubled quote inside the literal
+                        i += 2; // doubled quote inside the literal
                         continue;
                     }
                     ++i;
@@ -113,13 +122,13 @@ std::optional<std::vector<Token>> tokenize(std::string_view s) {
                 ++i;
             }
             if (!closed)
-                return std::nullopt;
+                kind = Kind::Broken;
         } else if (c == '[') {
             kind = Kind::Name;
             const std::size_t close = s.find(']', i + 1);
             if (close == std::string_view::npos)
-                return std::nullopt;
-            i = close + 1;
+                kind = Kind::Broken;
+            i = close == std::string_view::npos ? n : close + 1;
         } else if (isDigit(c) || (c == '.' && i + 1 < n && isDigit(s[i + 1]))) {
             i = scanNumber(s, i, kind);
         } else if (isIdStart(c)) {
@@ -177,7 +186,9 @@ private:
             return false;
         const std::string_view t = textOf(sig_[i]);
         return std::equal(t.begin(), t.end(), word.begin(), word.end(), [](char a, char b) {
-            const auto lower = [](char x) { return x >= 'A' && x <= 'Z' ? char(x - 'A' + 'a') : x; };
+            const auto lower = [](char x) {
+                return x >= 'A' && x <= 'Z' ? char(x - 'A' + 'a') : x;
+            };
             return lower(a) == lower(b);
         });
     }
@@ -264,9 +275,10 @@ private:
                 --depth;
                 continue;
             }
-            const bool clauseEnd = atEnd || (depth == 0 && (isWord(i, "where") || isWord(i, "from") ||
-                                                             isWord(i, "returning") ||
-                                                             isWord(i, "order") || isWord(i, "limit")));
+            const bool clauseEnd =
+                atEnd ||
+                (depth == 0 && (isWord(i, "where") || isWord(i, "from") || isWord(i, "returning") ||
+                                isWord(i, "order") || isWord(i, "limit")));
             if (clauseEnd || (depth == 0 && isPunct(i, ','))) {
                 quoteAssignedNumber(start, i);
                 start = i + 1;
@@ -370,11 +382,7 @@ private:
 } // namespace
 
 std::string translateStatement(std::string_view text) {
-    // A literal left open is the engine's to report: the text goes on as it came.
-    const auto tokens = tokenize(text);
-    if (!tokens)
-        return std::string(text);
-    return Rewriter(text, *tokens).run();
+    return Rewriter(text, tokenize(text)).run();
 }
 
 } // namespace store
