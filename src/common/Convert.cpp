@@ -1,6 +1,6 @@
 #include "common/Convert.h"
 
-#include <cctype>
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <limits>
@@ -20,7 +20,8 @@ std::optional<std::int32_t> tryStrToInt(std::string_view text) {
     if (i < text.size() && text[i] == '$') {
         base = 16;
         ++i;
-    } else if (i + 1 < text.size() && text[i] == '0' && (text[i + 1] == 'x' || text[i + 1] == 'X')) {
+    } else if (i + 1 < text.size() && text[i] == '0' &&
+               (text[i + 1] == 'x' || text[i + 1] == 'X')) {
         base = 16;
         i += 2;
     }
@@ -69,35 +70,41 @@ std::optional<double> tryStrToFloat(std::string_view text) {
         --e;
     if (b == e)
         return std::nullopt;
+    auto isDigit = [&](std::size_t at) { return at < e && text[at] >= '0' && text[at] <= '9'; };
     // Check the shape: [sign] digits [. digits] [e [sign] digits], with at least one digit.
+    // Along the way note the decimal magnitude: the power of ten just above the number.
     std::size_t i = b;
+    const bool negative = text[i] == '-';
     if (text[i] == '+' || text[i] == '-')
         ++i;
     std::size_t digits = 0;
-    while (i < e && std::isdigit(static_cast<unsigned char>(text[i]))) {
-        ++i;
-        ++digits;
+    bool significant = false;
+    long magnitude = 0;
+    for (; isDigit(i); ++i, ++digits) {
+        significant = significant || text[i] != '0';
+        if (significant)
+            ++magnitude;
     }
     if (i < e && text[i] == '.') {
-        ++i;
-        while (i < e && std::isdigit(static_cast<unsigned char>(text[i]))) {
-            ++i;
-            ++digits;
+        for (++i; isDigit(i); ++i, ++digits) {
+            significant = significant || text[i] != '0';
+            if (!significant)
+                --magnitude;
         }
     }
     if (digits == 0)
         return std::nullopt;
     if (i < e && (text[i] == 'e' || text[i] == 'E')) {
         ++i;
+        const bool expNegative = i < e && text[i] == '-';
         if (i < e && (text[i] == '+' || text[i] == '-'))
             ++i;
-        std::size_t expDigits = 0;
-        while (i < e && std::isdigit(static_cast<unsigned char>(text[i]))) {
-            ++i;
-            ++expDigits;
-        }
-        if (expDigits == 0)
+        if (!isDigit(i))
             return std::nullopt;
+        long exponent = 0;
+        for (; isDigit(i); ++i)
+            exponent = std::min(exponent * 10 + (text[i] - '0'), 100000L);
+        magnitude += expNegative ? -exponent : exponent;
     }
     if (i != e)
         return std::nullopt;
@@ -107,8 +114,12 @@ std::optional<double> tryStrToFloat(std::string_view text) {
         copy.erase(0, 1);
     double value = 0;
     auto [ptr, ec] = std::from_chars(copy.data(), copy.data() + copy.size(), value);
-    if (ec == std::errc::result_out_of_range)
-        return std::nullopt;
+    if (ec == std::errc::result_out_of_range) {
+        // Too small for a real reads as zero; too large is no number.
+        if (magnitude > 0)
+            return std::nullopt;
+        return negative ? -0.0 : 0.0;
+    }
     if (ec != std::errc() || ptr != copy.data() + copy.size())
         return std::nullopt;
     return value;
@@ -119,7 +130,9 @@ double strToFloatDef(std::string_view text, double fallback) {
     return v ? *v : fallback;
 }
 
-std::string intToStr(std::int64_t value) { return std::to_string(value); }
+std::string intToStr(std::int64_t value) {
+    return std::to_string(value);
+}
 
 std::string upperCase(std::string_view text) {
     std::string out(text);

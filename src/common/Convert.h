@@ -2,8 +2,9 @@
 // Number conversions with the classic Object Pascal rules, used everywhere values are converted.
 //
 // Integers: leading blanks allowed, trailing not; optional sign; "$1F" (and "0x1F") is hexadecimal;
-// the value must fit 32 bits signed. Reals: the whole text must parse, decimal point whatever the
-// locale, optional exponent, ".5" and "5." valid; no hex, inf or nan.
+// the value must fit 32 bits signed ("$FFFFFFFF" fills them: -1). Reals: blanks around, then the
+// whole text must parse, decimal point whatever the locale, optional exponent, ".5" and "5." valid;
+// no hex, inf or nan; a number too small for a real reads as 0, one too large is no number.
 #include <cstdint>
 #include <optional>
 #include <string>
