@@ -1,1 +1,191 @@
+// The C ABI over the boundary's C++ API: C strings in, caller buffers out, errors as codes.
 #include "RobocutAbi.h"
+
+#include "boundary/Exports.h"
+#include "common/Services.h"
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <string>
+
+struct RcStringList {
+    TStringList list;
+};
+
+namespace {
+
+thread_local std::string lastError;
+bool terminateRequested = false;
+RcHostCallbacks callbacks{};
+
+std::string text(const char* s) { return s ? s : ""; }
+
+int32_t copyOut(const std::string& value, char* buffer, int32_t size) {
+    if (buffer && size > 0) {
+        const auto n = std::min<std::size_t>(value.size(), static_cast<std::size_t>(size - 1));
+        std::memcpy(buffer, value.data(), n);
+        buffer[n] = '\0';
+    }
+    return static_cast<int32_t>(value.size());
+}
+
+// Runs `f`, turning any exception into -1 and the last error.
+template <typename F> int32_t guarded(F&& f) {
+    try {
+        lastError.clear();
+        return f();
+    } catch (const std::exception& e) {
+        lastError = e.what();
+    } catch (...) {
+        lastError = "unknown error";
+    }
+    return -1;
+}
+
+// The user interface of a host without windows: messages through the host's callback, or to
+// standard error; file dialogs and forms are not available.
+class CallbackUi : public common::Ui {
+public:
+    common::ModalResult message(common::MessageKind kind, const std::string& message,
+                                common::MessageButtons buttons, const std::string&) override {
+        if (callbacks.message)
+            return static_cast<common::ModalResult>(callbacks.message(
+                callbacks.context, static_cast<int32_t>(kind), message.c_str(),
+                static_cast<int32_t>(buttons)));
+        std::fprintf(stderr, "%s\n", message.c_str());
+        return buttons == common::MessageButtons::Ok ? common::ModalResult::Ok
+                                                     : common::ModalResult::Yes;
+    }
+    bool openFile(const common::FileDialogRequest&, std::string&) override { return false; }
+    bool saveFile(const common::FileDialogRequest&, std::string&) override { return false; }
+    common::ModalResult showModal(QWidget*) override { return common::ModalResult::Cancel; }
+    void beep() override {}
+};
+
+class CallbackHost : public common::HostApplication {
+public:
+    void terminate() override {
+        terminateRequested = true;
+        if (callbacks.terminate)
+            callbacks.terminate(callbacks.context);
+    }
+    void processMessages() override {
+        if (callbacks.processMessages)
+            callbacks.processMessages(callbacks.context);
+    }
+};
+
+CallbackUi callbackUi;
+CallbackHost callbackHost;
+
+// Loading the library creates the store module; unloading frees it. A static object rather than
+// load and unload hooks, so that it is destroyed before the statics it created.
+struct LibraryLifetime {
+    LibraryLifetime() {
+        auto& s = common::services();
+        if (!s.ui)
+            s.ui = &callbackUi;
+        if (!s.host)
+            s.host = &callbackHost;
+        boundary::LibraryLoad();
+    }
+    ~LibraryLifetime() {
+        boundary::LibraryUnload();
+        auto& s = common::services();
+        if (s.ui == &callbackUi)
+            s.ui = nullptr;
+        if (s.host == &callbackHost)
+            s.host = nullptr;
+    }
+    LibraryLifetime(const LibraryLifetime&) = delete;
+    LibraryLifetime& operator=(const LibraryLifetime&) = delete;
+};
+
+LibraryLifetime lifetime;
+
+} // namespace
+
+extern "C" {
+
+void RcSetHostCallbacks(const RcHostCallbacks* value) { callbacks = value ? *value : RcHostCallbacks{}; }
+
+int32_t RcTerminateRequested(void) { return terminateRequested ? 1 : 0; }
+
+const char* RcLastError(void) { return lastError.c_str(); }
+
+RcStringList* RcStringListNew(void) {
+    try {
+        return std::make_unique<RcStringList>().release();
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+void RcStringListFree(RcStringList* list) { std::unique_ptr<RcStringList> owned(list); }
+
+int32_t RcStringListCount(const RcStringList* list) { return list ? list->list.Count() : 0; }
+
+const char* RcStringListString(const RcStringList* list, int32_t index) {
+    if (!list || index < 0 || index >= list->list.Count())
+        return nullptr;
+    return list->list.Strings(index).c_str();
+}
+
+int32_t RcStringListTemplateId(const RcStringList* list, int32_t index) {
+    if (!list || index < 0 || index >= list->list.Count() || !list->list.Objects(index))
+        return -1;
+    return list->list.Objects(index)->TemplateId;
+}
+
+int32_t PluginName(char* buffer, int32_t size) {
+    std::string name;
+    boundary::PluginName(name);
+    return copyOut(name, buffer, size);
+}
+
+int32_t FileExtensions(char* buffer, int32_t size) {
+    std::string extensions;
+    boundary::FileExtensions(extensions);
+    return copyOut(extensions, buffer, size);
+}
+
+int32_t Initialize(const char* localDirectory, const char* sharedDirectory, int32_t reserved1,
+                   int32_t reserved2) {
+    return guarded([&] {
+        boundary::Initialize(text(localDirectory), text(sharedDirectory), reserved1, reserved2);
+        return 0;
+    });
+}
+
+int32_t LoadTemplateNames(const char* fixture, RcStringList* list, int32_t byFixture) {
+    return guarded([&] {
+        if (!list)
+            throw std::invalid_argument("LoadTemplateNames needs a list");
+        boundary::LoadTemplateNames(text(fixture), list->list, byFixture != 0);
+        return 0;
+    });
+}
+
+void FreeTemplateNames(RcStringList* list) { boundary::FreeTemplateNames(list ? &list->list : nullptr); }
+
+int32_t GetTemplateName(int32_t templateId, char* buffer, int32_t size) {
+    return guarded([&] {
+        std::string name;
+        boundary::GetTemplateName(templateId, name);
+        return copyOut(name, buffer, size);
+    });
+}
+
+int32_t JobFileExists(const char* directory) {
+    return guarded([&] { return boundary::JobFileExists(text(directory)) ? 1 : 0; });
+}
+
+int32_t DeleteJob(const char* palletNumber, const char* jobNumber) {
+    return guarded([&] {
+        boundary::DeleteJob(text(palletNumber), text(jobNumber));
+        return 0;
+    });
+}
+
+} // extern "C"

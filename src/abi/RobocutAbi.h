@@ -1,2 +1,110 @@
-#pragma once
-/* C ABI of the FANUC Robocut machine module, for hosts written in any language. */
+/* C ABI of the FANUC Robocut machine module, for hosts written in any language.
+ *
+ * Loading the library creates the store module; unloading frees it. Strings are UTF-8, passed in
+ * as NUL-terminated C strings and returned into caller buffers: a call that returns text writes at
+ * most `size` bytes (always NUL-terminated when size > 0) and returns the full length, so a host
+ * can call again with a larger buffer. Calls that can fail return a negative number and leave the
+ * reason in RcLastError(). No exception ever crosses this boundary. */
+#ifndef ROBOCUT_ABI_H
+#define ROBOCUT_ABI_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#if defined(__GNUC__)
+#define RC_API __attribute__((visibility("default")))
+#else
+#define RC_API
+#endif
+
+/* A string list with a template id beside each entry (the host's list of template names). */
+typedef struct RcStringList RcStringList;
+
+/* The job wizard's record, as C data. */
+typedef struct RcJobWizardInfo {
+    void* HostModule; /* library offering "GetJobInfo", or NULL */
+    int32_t TemplateID;
+    int32_t HostTag;
+    int32_t JobNumber;
+    const char* HostText1;
+    const char* HostText2;
+    const char* MachineText;
+    const char* PalletNumber;
+    const char* LocalDirectory;
+    const char* InputDirectory;
+    const char* OutputDirectory;
+    const char* ReservedText1;
+    const char* ReservedText2;
+    const char* ReservedText3;
+    uint8_t HostFlag1;
+    uint8_t UseTemplateFixture;
+    uint8_t AllowSkip;
+    uint8_t AllowSkipDown;
+    uint8_t Unattended;
+    uint8_t HostFlag2;
+} RcJobWizardInfo;
+
+/* The report handed to the host's "GetJobInfo"; valid only during that call. */
+typedef struct RcAutomationInfo {
+    int32_t HostTag;
+    int32_t JobNumber;
+    const char* HostText1;
+    const char* HostText2;
+    const char* MachineText;
+    const char* PalletNumber;
+    const char* CommandFile;
+    const char* AutomationText1;
+    const char* CommandText;
+    const char* FileList;
+    const char* AutomationText2;
+    uint8_t AutomationFlag1;
+    uint8_t AutomationFlag2;
+    uint8_t HostFlag1;
+    uint8_t HostFlag2;
+} RcAutomationInfo;
+
+/* What the module asks of its host. Any member may be NULL: messages then go to standard error
+ * with the default answer, and a terminate request is only noted (RcTerminateRequested). */
+typedef struct RcHostCallbacks {
+    void* context;
+    void (*terminate)(void* context);
+    void (*processMessages)(void* context);
+    /* kind: 0 error, 1 information, 2 warning, 3 confirmation, 4 plain; buttons: 0 OK, 1 OK/Cancel,
+     * 2 Yes/No, 3 Yes/No/Cancel. Returns the modal result (1 OK, 2 Cancel, 6 Yes, 7 No). */
+    int32_t (*message)(void* context, int32_t kind, const char* text, int32_t buttons);
+} RcHostCallbacks;
+
+RC_API void RcSetHostCallbacks(const RcHostCallbacks* callbacks);
+RC_API int32_t RcTerminateRequested(void);
+/* The reason of the last failed call on this thread, or "". */
+RC_API const char* RcLastError(void);
+
+RC_API RcStringList* RcStringListNew(void);
+/* Frees the list and every object beside its names. */
+RC_API void RcStringListFree(RcStringList* list);
+RC_API int32_t RcStringListCount(const RcStringList* list);
+/* NULL when the index is out of range. The pointer stays valid until the list changes. */
+RC_API const char* RcStringListString(const RcStringList* list, int32_t index);
+/* The template id beside an entry; -1 when there is no object or the index is out of range. */
+RC_API int32_t RcStringListTemplateId(const RcStringList* list, int32_t index);
+
+/* The exports. */
+RC_API int32_t PluginName(char* buffer, int32_t size);
+RC_API int32_t FileExtensions(char* buffer, int32_t size);
+RC_API int32_t Initialize(const char* localDirectory, const char* sharedDirectory, int32_t reserved1,
+                          int32_t reserved2);
+RC_API int32_t LoadTemplateNames(const char* fixture, RcStringList* list, int32_t byFixture);
+RC_API void FreeTemplateNames(RcStringList* list);
+RC_API int32_t GetTemplateName(int32_t templateId, char* buffer, int32_t size);
+/* 1 when the directory holds a *.NC file, 0 when not. */
+RC_API int32_t JobFileExists(const char* directory);
+RC_API int32_t DeleteJob(const char* palletNumber, const char* jobNumber);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -46,6 +46,7 @@ TDM::~TDM() = default;
 
 void TDM::OpenStore(const std::string& localDir, const std::string& sharedDir, std::int32_t,
                     std::int32_t) {
+    CloseStore();
     FLocalDir = withTrailingSeparator(localDir);
     FSharedDir = withTrailingSeparator(sharedDir);
     FSharedDatabasePath = FSharedDir + schema::SharedFile;
@@ -67,6 +68,17 @@ void TDM::OpenStore(const std::string& localDir, const std::string& sharedDir, s
         if (!OpenTable(*table, true))
             return;
     }
+}
+
+void TDM::CloseStore() {
+    for (store::Table* table :
+         {&tableFixturePoints, &tableTemplateName, &tableTemplateData, &tableTemplateVersion,
+          &tableCommands, &tableFixtureList, &tableJobs, &tableValueType, &tableTemplateDefaults,
+          &tableBasketList, &tableSyntax})
+        table->close();
+    Database.close();
+    LocalDatabase.close();
+    FBasketListExists = false;
 }
 
 bool TDM::OpenTable(store::Table& table, bool reportFailure) {

@@ -52,6 +52,8 @@ public:
     // opened raises a StoreError to the caller. The two numbers are ignored.
     void OpenStore(const std::string& localDir, const std::string& sharedDir, std::int32_t reserved1,
                    std::int32_t reserved2);
+    // Closes every table and both databases; a second OpenStore starts from here.
+    void CloseStore();
     // Opens a table and selects its "Primary" index when that is the first one.
     bool OpenTable(store::Table& table, bool reportFailure);
 

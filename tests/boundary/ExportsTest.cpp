@@ -1,7 +1,7 @@
 // The exports that answer from the store, driven as the host drives them.
 #include "boundary/Exports.h"
 #include "store/DataMod.h"
-#include "support/TestSupport.h"
+#include "support/CellFixture.h"
 
 #include <gtest/gtest.h>
 

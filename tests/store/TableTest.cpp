@@ -2,7 +2,7 @@
 #include "store/Database.h"
 #include "store/Query.h"
 #include "store/Table.h"
-#include "support/TestSupport.h"
+#include "support/CellFixture.h"
 
 #include <gtest/gtest.h>
 

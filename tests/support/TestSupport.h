@@ -27,29 +27,3 @@ std::string readFile(const std::string& path);
 
 } // namespace testsupport
 
-#include "common/Scripted.h"
-#include "common/Services.h"
-#include "store/CellInit.h"
-
-#include <memory>
-
-namespace testsupport {
-
-// A cell directory with both database files, and scripted services installed for the test.
-class CellFixture {
-public:
-    explicit CellFixture(bool demoData = false);
-    // Runs a script on one of the cell's files ("ZEL.db" or "Quorvel.db"), outside the module.
-    void run(const std::string& file, const std::string& sql) const;
-    std::string dir() const { return tmp.str(); }
-
-    TempDir tmp;
-    common::ScriptedUi ui;
-    common::ScriptedHostApplication host;
-    common::ScriptedPlatform platform;
-
-private:
-    std::unique_ptr<common::ScopedServices> services_;
-};
-
-} // namespace testsupport
