@@ -1,0 +1,26 @@
+#pragma once
+// The seams for a run without windows: messages go to standard error with the default answer, and
+// a terminate request is remembered so the command can end with a failure.
+#include "common/HostApplication.h"
+#include "common/Ui.h"
+
+namespace app {
+
+class ConsoleUi : public common::Ui {
+public:
+    common::ModalResult message(common::MessageKind kind, const std::string& text,
+                                common::MessageButtons buttons, const std::string& caption) override;
+    bool openFile(const common::FileDialogRequest& request, std::string& fileName) override;
+    bool saveFile(const common::FileDialogRequest& request, std::string& fileName) override;
+    common::ModalResult showModal(QWidget* form) override;
+    void beep() override {}
+};
+
+class ConsoleHost : public common::HostApplication {
+public:
+    void terminate() override { terminated = true; }
+    void processMessages() override {}
+    bool terminated = false;
+};
+
+} // namespace app

@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Builds, creates the embedded default cell and runs the main job on it.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/setup.sh
+export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
+cell=${QUORVEL_CELL:-$PWD/build/cell}
+./build/quorvel init --cell "$cell" --force
+./build/quorvel templates --cell "$cell"
