@@ -1,0 +1,204 @@
+#include "dialogs/DBControls.h"
+
+#include <QKeyEvent>
+
+namespace dialogs {
+
+namespace {
+
+// Keys that change the text of an edit: those that produce characters, and the deleting keys.
+bool changesText(const QKeyEvent* event) {
+    if (event->matches(QKeySequence::Paste) || event->matches(QKeySequence::Cut) ||
+        event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo))
+        return true;
+    switch (event->key()) {
+    case Qt::Key_Backspace:
+    case Qt::Key_Delete:
+        return true;
+    default:
+        break;
+    }
+    return !event->text().isEmpty() && event->text().at(0).isPrint();
+}
+
+} // namespace
+
+QString upperAscii(const QString& text) {
+    QString out = text;
+    for (auto& c : out)
+        if (c >= QChar('a') && c <= QChar('z'))
+            c = QChar(c.unicode() - 'a' + 'A');
+    return out;
+}
+
+// ---- FieldBinding ----
+
+FieldBinding::~FieldBinding() {
+    if (source_)
+        source_->removeLink(this);
+}
+
+void FieldBinding::setDataSource(store::DataSource* source) {
+    if (source_ == source)
+        return;
+    if (source_)
+        source_->removeLink(this);
+    source_ = source;
+    if (source_)
+        source_->addLink(this);
+    dataChanged();
+}
+
+void FieldBinding::setDataField(const std::string& field) {
+    field_ = field;
+    dataChanged();
+}
+
+std::string FieldBinding::fieldText() const {
+    if (!bound() || !source_->dataSet() || !source_->dataSet()->active())
+        return {};
+    return source_->dataSet()->fieldByName(field_).asString();
+}
+
+void FieldBinding::dataChanged() {
+    if (!bound())
+        return;
+    const std::string text = fieldText();
+    modified_ = false;
+    if (text == controlText())
+        return;
+    showing_ = true;
+    try {
+        setControlText(text);
+    } catch (...) {
+        showing_ = false;
+        throw;
+    }
+    showing_ = false;
+    modified_ = false;
+}
+
+void FieldBinding::updateRecord() {
+    if (!modified_ || !bound() || !source_->dataSet())
+        return;
+    auto* dataset = source_->dataSet();
+    if (dataset->state() != store::DatasetState::Edit &&
+        dataset->state() != store::DatasetState::Insert)
+        return;
+    modified_ = false;
+    dataset->fieldByName(field_).setAsString(controlText());
+}
+
+bool FieldBinding::beginEdit() {
+    if (!bound() || !source_->dataSet() || !source_->dataSet()->active())
+        return true;
+    auto* dataset = source_->dataSet();
+    if (dataset->state() == store::DatasetState::Browse) {
+        if (!dataset->hasRow())
+            return false;
+        dataset->edit();
+    }
+    return true;
+}
+
+void FieldBinding::noteTextChanged() {
+    if (showing_ || !bound() || !source_->dataSet())
+        return;
+    const auto state = source_->dataSet()->state();
+    if (state == store::DatasetState::Edit || state == store::DatasetState::Insert)
+        modified_ = true;
+}
+
+// ---- TDBEdit ----
+
+TDBEdit::TDBEdit(QWidget* parent) : QLineEdit(parent) {
+    // Connected first, so the mark is set before any form handler sees the change.
+    connect(this, &QLineEdit::textChanged, this, [this] { noteTextChanged(); });
+}
+
+void TDBEdit::setUpperCase(bool upper) {
+    upper_ = upper;
+    setText(QLineEdit::text());
+}
+
+void TDBEdit::setText(const QString& text) { QLineEdit::setText(upper_ ? upperAscii(text) : text); }
+
+void TDBEdit::keyPressEvent(QKeyEvent* event) {
+    if (changesText(event) && !isReadOnly()) {
+        if (!beginEdit()) {
+            event->ignore();
+            return;
+        }
+    }
+    if (upper_ && !event->text().isEmpty() && upperAscii(event->text()) != event->text()) {
+        // Typed letters arrive upper-cased, so the change handlers see the final text once.
+        QKeyEvent upper(event->type(), event->key(), event->modifiers(), upperAscii(event->text()),
+                        event->isAutoRepeat(), static_cast<ushort>(event->count()));
+        QLineEdit::keyPressEvent(&upper);
+        return;
+    }
+    QLineEdit::keyPressEvent(event);
+}
+
+void TDBEdit::focusOutEvent(QFocusEvent* event) {
+    updateRecord();
+    QLineEdit::focusOutEvent(event);
+}
+
+std::string TDBEdit::controlText() const { return QLineEdit::text().toStdString(); }
+
+void TDBEdit::setControlText(const std::string& text) { setText(QString::fromStdString(text)); }
+
+// ---- TDBMemo ----
+
+TDBMemo::TDBMemo(QWidget* parent) : QPlainTextEdit(parent) {
+    connect(this, &QPlainTextEdit::textChanged, this, [this] { noteTextChanged(); });
+}
+
+void TDBMemo::setUpperCase(bool upper) {
+    upper_ = upper;
+    if (upper_)
+        setText(toPlainText());
+}
+
+void TDBMemo::setText(const QString& text) {
+    const QString value = upper_ ? upperAscii(text) : text;
+    if (value != toPlainText())
+        setPlainText(value);
+}
+
+void TDBMemo::keyPressEvent(QKeyEvent* event) {
+    if ((changesText(event) || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
+        !isReadOnly()) {
+        if (!beginEdit()) {
+            event->ignore();
+            return;
+        }
+    }
+    if (upper_ && !event->text().isEmpty() && upperAscii(event->text()) != event->text()) {
+        QKeyEvent upper(event->type(), event->key(), event->modifiers(), upperAscii(event->text()),
+                        event->isAutoRepeat(), static_cast<ushort>(event->count()));
+        QPlainTextEdit::keyPressEvent(&upper);
+        return;
+    }
+    QPlainTextEdit::keyPressEvent(event);
+}
+
+void TDBMemo::focusOutEvent(QFocusEvent* event) {
+    updateRecord();
+    QPlainTextEdit::focusOutEvent(event);
+}
+
+std::string TDBMemo::controlText() const { return toPlainText().toStdString(); }
+
+void TDBMemo::setControlText(const std::string& text) { setText(QString::fromStdString(text)); }
+
+// ---- TDBText ----
+
+TDBText::TDBText(QWidget* parent) : QLabel(parent) {}
+
+std::string TDBText::controlText() const { return QLabel::text().toStdString(); }
+
+void TDBText::setControlText(const std::string& text) { setText(QString::fromStdString(text)); }
+
+} // namespace dialogs
