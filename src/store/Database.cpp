@@ -50,6 +50,9 @@ void Database::open(bool create) {
         // WAL lets the host keep the file open; NORMAL syncs at checkpoints, not at every commit.
         execute("pragma journal_mode = wal");
         execute("pragma synchronous = normal");
+        // A page cache large enough that keyed lookups on big job tables stay in memory.
+        execute("pragma cache_size = -32768");
+        execute("pragma mmap_size = 268435456");
     } catch (const StoreError& e) {
         close();
         throw StoreError("Cannot open database " + databaseName_ + " in file " + fileName_ +
