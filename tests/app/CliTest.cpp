@@ -1,0 +1,77 @@
+// The quorvel command as a user runs it: exit codes and messages for good and bad input.
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <sys/wait.h>
+
+namespace {
+
+struct Run {
+    int exitCode = -1;
+    std::string output;  // standard output and standard error together
+};
+
+Run quorvel(const std::string& arguments) {
+    Run run;
+    const std::string command = std::string(QUORVEL_EXE) + " " + arguments + " 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe)
+        return run;
+    std::array<char, 4096> buffer{};
+    while (std::fgets(buffer.data(), static_cast<int>(buffer.size()), pipe))
+        run.output += buffer.data();
+    const int status = pclose(pipe);
+    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return run;
+}
+
+} // namespace
+
+TEST(QuorvelCli, InitListsAndRefusesToOverwrite) {
+    testsupport::TempDir dir;
+    const std::string cell = "--cell '" + dir.str() + "/cell'";
+    auto run = quorvel("init " + cell);
+    ASSERT_EQ(run.exitCode, 0) << run.output;
+    EXPECT_TRUE(std::filesystem::is_regular_file(dir.str() + "/cell/ZEL.db"));
+    EXPECT_TRUE(std::filesystem::is_regular_file(dir.str() + "/cell/Quorvel.db"));
+
+    run = quorvel("templates " + cell);
+    ASSERT_EQ(run.exitCode, 0) << run.output;
+    EXPECT_EQ(run.output.rfind("0\t(New)\n", 0), 0u) << run.output;
+    EXPECT_NE(run.output.find("1\tDemo wire-cut plate"), std::string::npos) << run.output;
+    run = quorvel("templates " + cell + " --fixture NO-SUCH");
+    EXPECT_EQ(run.output, "0\t(New)\n");
+
+    run = quorvel("init " + cell);
+    EXPECT_NE(run.exitCode, 0);
+    EXPECT_NE(run.output.find("--force"), std::string::npos) << run.output;
+    run = quorvel("init " + cell + " --force --empty");
+    EXPECT_EQ(run.exitCode, 0) << run.output;
+    run = quorvel("templates " + cell);
+    EXPECT_EQ(run.output, "0\t(New)\n");
+}
+
+TEST(QuorvelCli, BadInputGivesMessagesAndFailure) {
+    testsupport::TempDir dir;
+    auto run = quorvel("templates --cell '" + dir.str() + "/none'");
+    EXPECT_NE(run.exitCode, 0);
+    EXPECT_NE(run.output.find("quorvel init"), std::string::npos) << run.output;
+    run = quorvel("no-such-command");
+    EXPECT_NE(run.exitCode, 0);
+    run = quorvel("");
+    EXPECT_NE(run.exitCode, 0);
+    EXPECT_NE(run.output.find("subcommand"), std::string::npos) << run.output;
+    // A cell with a missing table names it and fails.
+    ASSERT_EQ(quorvel("init --cell '" + dir.str() + "/c'").exitCode, 0);
+    testsupport::writeFile(dir.str() + "/c/Quorvel.db", "not a database, only text............");
+    run = quorvel("templates --cell '" + dir.str() + "/c'");
+    EXPECT_NE(run.exitCode, 0);
+    EXPECT_NE(run.output.find("Quorvel.db"), std::string::npos) << run.output;
+    run = quorvel("templates --cell '" + dir.str() + "/c' --fixture \"it's\"");
+    EXPECT_NE(run.exitCode, 0);
+}
