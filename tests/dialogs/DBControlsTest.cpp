@@ -11,18 +11,9 @@
 
 namespace {
 
-QApplication& app() {
-    static int argc = 1;
-    static char name[] = "test";
-    static char* argv[] = {name, nullptr};
-    static QApplication instance(argc, argv);
-    return instance;
-}
-
 class DBControlsTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        app();
         db.setFileName(dir.file("c.db"));
         db.open(true);
         db.executeScript("create table Jobs(Line_Number integer not null, Value_1 text, Value_2 text);"
