@@ -50,9 +50,9 @@ public:
     common::ModalResult message(common::MessageKind kind, const std::string& message,
                                 common::MessageButtons buttons, const std::string&) override {
         if (callbacks.message)
-            return static_cast<common::ModalResult>(callbacks.message(
-                callbacks.context, static_cast<int32_t>(kind), message.c_str(),
-                static_cast<int32_t>(buttons)));
+            return static_cast<common::ModalResult>(
+                callbacks.message(callbacks.context, static_cast<int32_t>(kind), message.c_str(),
+                                  static_cast<int32_t>(buttons)));
         std::fprintf(stderr, "%s\n", message.c_str());
         return buttons == common::MessageButtons::Ok ? common::ModalResult::Ok
                                                      : common::ModalResult::Yes;
@@ -108,7 +108,9 @@ LibraryLifetime lifetime;
 
 extern "C" {
 
-void RcSetHostCallbacks(const RcHostCallbacks* value) { callbacks = value ? *value : RcHostCallbacks{}; }
+void RcSetHostCallbacks(const RcHostCallbacks* value) {
+    callbacks = value ? *value : RcHostCallbacks{};
+}
 
 int32_t RcTerminateRequested(void) { return terminateRequested ? 1 : 0; }
 
@@ -167,7 +169,9 @@ int32_t LoadTemplateNames(const char* fixture, RcStringList* list, int32_t byFix
     });
 }
 
-void FreeTemplateNames(RcStringList* list) { boundary::FreeTemplateNames(list ? &list->list : nullptr); }
+void FreeTemplateNames(RcStringList* list) {
+    boundary::FreeTemplateNames(list ? &list->list : nullptr);
+}
 
 int32_t GetTemplateName(int32_t templateId, char* buffer, int32_t size) {
     return guarded([&] {
@@ -184,6 +188,21 @@ int32_t JobFileExists(const char* directory) {
 int32_t DeleteJob(const char* palletNumber, const char* jobNumber) {
     return guarded([&] {
         boundary::DeleteJob(text(palletNumber), text(jobNumber));
+        return 0;
+    });
+}
+
+int32_t NewTemplate(const char* fixture, int32_t workpieces, char* name, int32_t size) {
+    return guarded([&] {
+        std::string typed;
+        boundary::NewTemplate(text(fixture), workpieces, typed);
+        return copyOut(typed, name, size);
+    });
+}
+
+int32_t ModifyTemplate(int32_t reserved, int32_t workpieces, int32_t templateId) {
+    return guarded([&] {
+        boundary::ModifyTemplate(reserved, workpieces, templateId);
         return 0;
     });
 }

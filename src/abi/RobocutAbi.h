@@ -94,14 +94,19 @@ RC_API int32_t RcStringListTemplateId(const RcStringList* list, int32_t index);
 /* The exports. */
 RC_API int32_t PluginName(char* buffer, int32_t size);
 RC_API int32_t FileExtensions(char* buffer, int32_t size);
-RC_API int32_t Initialize(const char* localDirectory, const char* sharedDirectory, int32_t reserved1,
-                          int32_t reserved2);
+RC_API int32_t Initialize(const char* localDirectory, const char* sharedDirectory,
+                          int32_t reserved1, int32_t reserved2);
 RC_API int32_t LoadTemplateNames(const char* fixture, RcStringList* list, int32_t byFixture);
 RC_API void FreeTemplateNames(RcStringList* list);
 RC_API int32_t GetTemplateName(int32_t templateId, char* buffer, int32_t size);
 /* 1 when the directory holds a *.NC file, 0 when not. */
 RC_API int32_t JobFileExists(const char* directory);
 RC_API int32_t DeleteJob(const char* palletNumber, const char* jobNumber);
+/* The template editor. Both need a running QApplication in the host's process; without one they
+ * return -1 and write nothing. NewTemplate writes the name typed into the buffer and returns its
+ * length, 0 when the editor was cancelled (the new template is removed again then). */
+RC_API int32_t NewTemplate(const char* fixture, int32_t workpieces, char* name, int32_t size);
+RC_API int32_t ModifyTemplate(int32_t reserved, int32_t workpieces, int32_t templateId);
 
 #ifdef __cplusplus
 }

@@ -10,17 +10,17 @@
 // The record passed to the job wizard: the job, its template and directories, and switches. The
 // module works on its own copy and never changes the host's.
 struct TJobWizardInfo {
-    void* HostModule = nullptr;  // library offering "GetJobInfo"; null: nothing is reported back
+    void* HostModule = nullptr; // library offering "GetJobInfo"; null: nothing is reported back
     std::int32_t TemplateID = 0;
-    std::int32_t HostTag = 0;  // copied to TAutomationInfo on the wizard's path
+    std::int32_t HostTag = 0; // copied to TAutomationInfo on the wizard's path
     std::int32_t JobNumber = 0;
     std::string HostText1;
     std::string HostText2;
     std::string MachineText;    // "FANUC Robocut" is reported when empty
     std::string PalletNumber;   // decimal text; goes into statements as text
-    std::string LocalDirectory;  // keeps the master program and the included files
+    std::string LocalDirectory; // keeps the master program and the included files
     std::string InputDirectory;
-    std::string OutputDirectory;  // may be empty; preferred start of the save dialog
+    std::string OutputDirectory; // may be empty; preferred start of the save dialog
     std::string ReservedText1;
     std::string ReservedText2;
     std::string ReservedText3;
@@ -30,7 +30,7 @@ struct TJobWizardInfo {
     bool AllowSkipDown = false;
     bool Unattended = false;
     std::uint8_t HostFlag2 = 0;
-    common::MessageGate* MessageGate = nullptr;  // host's check box gating a message
+    common::MessageGate* MessageGate = nullptr; // host's check box gating a message
 };
 
 // The record the module fills and hands to the host's "GetJobInfo": the job's program file and
@@ -45,7 +45,7 @@ struct TAutomationInfo {
     std::string CommandFile;
     std::string AutomationText1;
     std::string CommandText;
-    std::string FileList;  // included files joined by vertical bars
+    std::string FileList; // included files joined by vertical bars
     std::string AutomationText2;
     bool AutomationFlag1 = false;
     bool AutomationFlag2 = false;

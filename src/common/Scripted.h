@@ -17,10 +17,10 @@ namespace common {
 class ScriptedUi : public Ui {
 public:
     struct Call {
-        std::string what;  // "message", "open", "save", "modal", "beep"
+        std::string what; // "message", "open", "save", "modal", "beep"
         MessageKind kind = MessageKind::Plain;
         MessageButtons buttons = MessageButtons::Ok;
-        std::string text;  // message text, or the dialog's title, or the form's object name
+        std::string text; // message text, or the dialog's title, or the form's object name
     };
 
     ModalResult message(MessageKind kind, const std::string& text, MessageButtons buttons,
@@ -70,16 +70,16 @@ public:
     std::string executableDirectory() override { return exeDir; }
 
     std::uint32_t clock = 0;
-    std::uint32_t tickStep = 0;  // added on every tickCount() read
+    std::uint32_t tickStep = 0; // added on every tickCount() read
     std::vector<std::uint32_t> sleeps;
     // Library name -> symbol name -> address. A name not listed fails to load.
     std::map<std::string, std::map<std::string, void*>> libraries;
     std::vector<std::string> loaded;
     int freed = 0;
-    std::vector<std::string> copies;   // "from -> to"
+    std::vector<std::string> copies; // "from -> to"
     std::vector<std::string> deletes;
-    std::vector<std::string> shell;    // "verb|file|parameters|directory"
-    std::set<std::string> failCopies;  // source paths whose copy fails
+    std::vector<std::string> shell;   // "verb|file|parameters|directory"
+    std::set<std::string> failCopies; // source paths whose copy fails
     std::string exeDir = "./";
 };
 

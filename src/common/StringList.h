@@ -8,8 +8,8 @@
 
 // The object stored beside each template name in a host's string list.
 struct TLinkInfo {
-    std::string LinkText;         // left empty by this module
-    std::int32_t TemplateId = 0;  // 0 for the "(New)" entry
+    std::string LinkText;        // left empty by this module
+    std::int32_t TemplateId = 0; // 0 for the "(New)" entry
 };
 
 class TStringList {
@@ -19,8 +19,12 @@ public:
         return static_cast<int>(items_.size()) - 1;
     }
     int Count() const { return static_cast<int>(items_.size()); }
-    const std::string& Strings(int index) const { return items_.at(static_cast<std::size_t>(index)).text; }
-    TLinkInfo* Objects(int index) const { return items_.at(static_cast<std::size_t>(index)).object.get(); }
+    const std::string& Strings(int index) const {
+        return items_.at(static_cast<std::size_t>(index)).text;
+    }
+    TLinkInfo* Objects(int index) const {
+        return items_.at(static_cast<std::size_t>(index)).object.get();
+    }
     // Frees the object beside an entry, leaving the string.
     void FreeObject(int index) { items_.at(static_cast<std::size_t>(index)).object.reset(); }
     void Clear() { items_.clear(); }

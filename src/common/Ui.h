@@ -9,7 +9,16 @@ class QWidget;
 namespace common {
 
 // Answers of the message boxes, as the classic modal results.
-enum class ModalResult { None = 0, Ok = 1, Cancel = 2, Abort = 3, Retry = 4, Ignore = 5, Yes = 6, No = 7 };
+enum class ModalResult {
+    None = 0,
+    Ok = 1,
+    Cancel = 2,
+    Abort = 3,
+    Retry = 4,
+    Ignore = 5,
+    Yes = 6,
+    No = 7
+};
 
 enum class MessageKind { Error, Information, Warning, Confirmation, Plain };
 
@@ -20,8 +29,8 @@ struct FileDialogRequest {
     std::string title;
     std::string initialDir;
     std::string fileName;
-    std::string filter;   // "Label|*.ext|Label|*.*"
-    int filterIndex = 1;  // from 1
+    std::string filter;  // "Label|*.ext|Label|*.*"
+    int filterIndex = 1; // from 1
     std::string defaultExt;
 };
 

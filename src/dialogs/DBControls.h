@@ -41,7 +41,7 @@ private:
     store::DataSource* source_ = nullptr;
     std::string field_;
     bool modified_ = false;
-    bool showing_ = false;  // the text is being set from the row
+    bool showing_ = false; // the text is being set from the row
 };
 
 class TDBEdit : public QLineEdit, public FieldBinding {

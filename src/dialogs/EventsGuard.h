@@ -6,7 +6,9 @@ namespace dialogs {
 
 template <typename Flag> class EventsGuard {
 public:
-    EventsGuard(Flag& flag, Flag during, Flag after) : flag_(flag), after_(after) { flag_ = during; }
+    EventsGuard(Flag& flag, Flag during, Flag after) : flag_(flag), after_(after) {
+        flag_ = during;
+    }
     ~EventsGuard() { flag_ = after_; }
     EventsGuard(const EventsGuard&) = delete;
     EventsGuard& operator=(const EventsGuard&) = delete;

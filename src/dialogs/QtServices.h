@@ -9,7 +9,8 @@ namespace dialogs {
 class QtUi : public common::Ui {
 public:
     common::ModalResult message(common::MessageKind kind, const std::string& text,
-                                common::MessageButtons buttons, const std::string& caption) override;
+                                common::MessageButtons buttons,
+                                const std::string& caption) override;
     bool openFile(const common::FileDialogRequest& request, std::string& fileName) override;
     bool saveFile(const common::FileDialogRequest& request, std::string& fileName) override;
     common::ModalResult showModal(QWidget* form) override;

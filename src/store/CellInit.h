@@ -6,8 +6,8 @@
 namespace store {
 
 struct CellOptions {
-    bool overwrite = false;  // replace existing database files
-    bool demoData = true;    // fill in the demo vocabulary, template and cell configuration
+    bool overwrite = false; // replace existing database files
+    bool demoData = true;   // fill in the demo vocabulary, template and cell configuration
 };
 
 // Creates `dir` if needed, then ZEL.db and Quorvel.db inside it. Raises a StoreError when a file

@@ -62,9 +62,9 @@ void TDM::OpenStore(const std::string& localDir, const std::string& sharedDir, s
 
     LocalDatabase.setFileName(FLocalDir + schema::LocalFile);
     LocalDatabase.open();
-    for (store::Table* table : {&tableTemplateName, &tableTemplateVersion, &tableTemplateData,
-                                &tableValueType, &tableTemplateDefaults, &tableCommands,
-                                &tableSyntax, &tableJobs}) {
+    for (store::Table* table :
+         {&tableTemplateName, &tableTemplateVersion, &tableTemplateData, &tableValueType,
+          &tableTemplateDefaults, &tableCommands, &tableSyntax, &tableJobs}) {
         if (!OpenTable(*table, true))
             return;
     }

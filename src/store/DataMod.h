@@ -50,8 +50,8 @@ public:
     // Opens both databases and the tables, in the fixed order. A table that cannot be opened is
     // named in a message and the host is told to terminate; a database file that cannot be
     // opened raises a StoreError to the caller. The two numbers are ignored.
-    void OpenStore(const std::string& localDir, const std::string& sharedDir, std::int32_t reserved1,
-                   std::int32_t reserved2);
+    void OpenStore(const std::string& localDir, const std::string& sharedDir,
+                   std::int32_t reserved1, std::int32_t reserved2);
     // Closes every table and both databases; a second OpenStore starts from here.
     void CloseStore();
     // Opens a table and selects its "Primary" index when that is the first one.

@@ -37,9 +37,8 @@ void Database::open(bool create) {
     if (rc != SQLITE_OK) {
         std::string message = db ? sqlite3_errmsg(db) : "out of memory";
         sqlite3_close(db);
-        throw StoreError("Cannot open database " + databaseName_ + " in file " + fileName_ + ": " +
-                             message,
-                         rc);
+        throw StoreError(
+            "Cannot open database " + databaseName_ + " in file " + fileName_ + ": " + message, rc);
     }
     db_ = db;
     sqlite3_extended_result_codes(db_, 1);
@@ -55,8 +54,8 @@ void Database::open(bool create) {
         execute("pragma mmap_size = 268435456");
     } catch (const StoreError& e) {
         close();
-        throw StoreError("Cannot open database " + databaseName_ + " in file " + fileName_ +
-                             ": " + e.what(),
+        throw StoreError("Cannot open database " + databaseName_ + " in file " + fileName_ + ": " +
+                             e.what(),
                          e.engineCode());
     }
 }
@@ -82,7 +81,8 @@ sqlite3* Database::handle() {
 }
 
 bool Database::tableExists(std::string_view tableName) {
-    auto& stmt = cached("select 1 from sqlite_master where type = 'table' and name = ? collate nocase");
+    auto& stmt =
+        cached("select 1 from sqlite_master where type = 'table' and name = ? collate nocase");
     stmt.bind(1, Value(tableName));
     const bool found = stmt.step();
     stmt.reset();

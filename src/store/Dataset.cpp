@@ -33,7 +33,9 @@ std::string realText(double v) {
 
 // ---- Field ----
 
-const std::string& Field::fieldName() const { return dataset_->names_.at(static_cast<std::size_t>(index_)); }
+const std::string& Field::fieldName() const {
+    return dataset_->names_.at(static_cast<std::size_t>(index_));
+}
 
 FieldType Field::dataType() const { return dataset_->fieldType(index_); }
 
@@ -199,9 +201,7 @@ void Dataset::edit() {
     notifyDataChanged();
 }
 
-void Dataset::post() {
-    throw StoreError(describe() + ": this dataset cannot be changed");
-}
+void Dataset::post() { throw StoreError(describe() + ": this dataset cannot be changed"); }
 
 void Dataset::cancel() {
     if (state_ != DatasetState::Edit && state_ != DatasetState::Insert)
@@ -234,7 +234,9 @@ void Dataset::setFilter(const std::string&) {
     throw StoreError(describe() + ": this dataset cannot be filtered");
 }
 
-void Dataset::setFiltered(bool) { throw StoreError(describe() + ": this dataset cannot be filtered"); }
+void Dataset::setFiltered(bool) {
+    throw StoreError(describe() + ": this dataset cannot be filtered");
+}
 
 Bookmark Dataset::getBookmark() const {
     throw StoreError(describe() + ": bookmarks are not supported");

@@ -68,7 +68,8 @@ public:
     virtual void last() = 0;
     virtual void next() = 0;
     virtual void prior() = 0;
-    // End flag: set only by a Next that fails to move or by Last on an empty set (and First on one).
+    // End flag: set only by a Next that fails to move or by Last on an empty set (and First on
+    // one).
     bool eof() const { return eof_; }
     // Begin flag: set by First, and by a Prior that fails to move.
     bool bof() const { return bof_; }
@@ -84,7 +85,7 @@ public:
     // Case-insensitive; raises a StoreError naming the column and the dataset when missing.
     Field fieldByName(std::string_view name);
     Field fields(int index);
-    int fieldIndex(std::string_view name) const;  // -1 when missing
+    int fieldIndex(std::string_view name) const; // -1 when missing
 
     // Changes.
     virtual void edit();
@@ -136,9 +137,9 @@ protected:
     void clearRow();
 
     std::vector<std::string> names_;
-    std::vector<Value> row_;       // current row as read
-    std::vector<Value> editRow_;   // row under edit
-    std::vector<bool> modified_;   // columns written during the edit
+    std::vector<Value> row_;     // current row as read
+    std::vector<Value> editRow_; // row under edit
+    std::vector<bool> modified_; // columns written during the edit
     bool hasRow_ = false;
     bool eof_ = true;
     bool bof_ = true;

@@ -15,7 +15,7 @@ public:
     Database& database() const { return *database_; }
 
     // The statement text, as lines.
-    void setSql(const std::string& text);  // the whole text, one line
+    void setSql(const std::string& text); // the whole text, one line
     void addLine(const std::string& line);
     void clearSql();
     const std::vector<std::string>& sqlLines() const { return lines_; }

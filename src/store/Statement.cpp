@@ -37,7 +37,8 @@ Statement::Statement(sqlite3* db, std::string sql, std::string shownText)
     if (shown_.empty())
         shown_ = sql_;
     const char* tail = nullptr;
-    const int rc = sqlite3_prepare_v2(db_, sql_.c_str(), static_cast<int>(sql_.size()), &stmt_, &tail);
+    const int rc =
+        sqlite3_prepare_v2(db_, sql_.c_str(), static_cast<int>(sql_.size()), &stmt_, &tail);
     if (rc != SQLITE_OK) {
         std::string message = sqlite3_errmsg(db_);
         sqlite3_finalize(stmt_);
@@ -68,8 +69,8 @@ void Statement::bind(int index, const Value& value) {
         rc = sqlite3_bind_text(stmt_, index, value.text().data(),
                                static_cast<int>(value.text().size()), SQLITE_TRANSIENT);
     if (rc != SQLITE_OK)
-        throw StoreError(std::string("Cannot bind a value: ") + sqlite3_errmsg(db_) + " in: " + shown_,
-                         rc);
+        throw StoreError(
+            std::string("Cannot bind a value: ") + sqlite3_errmsg(db_) + " in: " + shown_, rc);
 }
 
 bool Statement::step() {
@@ -122,6 +123,8 @@ Value Statement::column(int index) const {
     }
 }
 
-std::int64_t Statement::columnInteger(int index) const { return sqlite3_column_int64(stmt_, index); }
+std::int64_t Statement::columnInteger(int index) const {
+    return sqlite3_column_int64(stmt_, index);
+}
 
 } // namespace store

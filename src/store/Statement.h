@@ -18,15 +18,15 @@ public:
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
 
-    void bind(int index, const Value& value);  // index from 1
+    void bind(int index, const Value& value); // index from 1
     // Steps once; true when a row is ready.
     bool step();
     // Runs a statement that returns no rows, resetting it afterwards.
     void run();
     void reset();
     int columnCount() const;
-    std::string columnName(int index) const;  // from 0
-    Value column(int index) const;            // from 0
+    std::string columnName(int index) const; // from 0
+    Value column(int index) const;           // from 0
     std::int64_t columnInteger(int index) const;
     const std::string& sql() const { return sql_; }
 

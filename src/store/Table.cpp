@@ -2,11 +2,9 @@
 
 #include "common/Convert.h"
 #include "store/Database.h"
+#include "store/FilterTerms.h"
 
 #include <sqlite3.h>
-
-#include <cctype>
-#include <optional>
 
 namespace store {
 
@@ -34,90 +32,16 @@ FieldType typeFromDeclaration(const std::string& declared) {
     return FieldType::String;
 }
 
-// Reads a filter made only of "column = literal" terms joined by "and" into column -> literal.
-// Anything else (or, other operators, functions) gives nullopt: the filter pins nothing.
-std::optional<std::vector<std::pair<std::string, Value>>> equalityTerms(const std::string& filter) {
-    std::vector<std::pair<std::string, Value>> terms;
-    std::size_t i = 0;
-    const std::size_t n = filter.size();
-    auto skipBlanks = [&] {
-        while (i < n && (filter[i] == ' ' || filter[i] == '\t' || filter[i] == '\r' || filter[i] == '\n'))
-            ++i;
-    };
-    auto isWordChar = [](char c) {
-        return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
-    };
-    while (true) {
-        skipBlanks();
-        std::string name;
-        if (i < n && (filter[i] == '[' || filter[i] == '"')) {
-            const char close = filter[i] == '[' ? ']' : '"';
-            const auto end = filter.find(close, i + 1);
-            if (end == std::string::npos)
-                return std::nullopt;
-            name = filter.substr(i + 1, end - i - 1);
-            i = end + 1;
-        } else {
-            while (i < n && isWordChar(filter[i]))
-                name += filter[i++];
-        }
-        if (name.empty())
-            return std::nullopt;
-        skipBlanks();
-        if (i >= n || filter[i] != '=')
-            return std::nullopt;
-        ++i;
-        skipBlanks();
-        Value literal;
-        if (i < n && filter[i] == '\'') {
-            std::string text;
-            ++i;
-            while (true) {
-                if (i >= n)
-                    return std::nullopt;
-                if (filter[i] == '\'') {
-                    if (i + 1 < n && filter[i + 1] == '\'') {
-                        text += '\'';
-                        i += 2;
-                        continue;
-                    }
-                    ++i;
-                    break;
-                }
-                text += filter[i++];
-            }
-            literal = Value(text);
-        } else {
-            std::string number;
-            while (i < n && (isWordChar(filter[i]) || filter[i] == '-' || filter[i] == '+' || filter[i] == '.'))
-                number += filter[i++];
-            auto v = common::tryStrToInt(number);
-            if (!v)
-                return std::nullopt;
-            literal = Value(*v);
-        }
-        terms.emplace_back(name, literal);
-        skipBlanks();
-        if (i >= n)
-            return terms;
-        std::string word;
-        while (i < n && isWordChar(filter[i]))
-            word += filter[i++];
-        if (!common::sameText(word, "and"))
-            return std::nullopt;
-    }
-}
-
 } // namespace
 
 // The statements of the current order and filter. Pointers refer to statements cached by the
 // database; the plan is rebuilt when the filter or the index changes.
 struct Table::Plan {
-    std::string selectFrom;  // select _rowid_, * from "T"
-    std::string where;       // "(filter)" or empty
-    std::string order;       // "k1, k2, _rowid_"
+    std::string selectFrom; // select _rowid_, * from "T"
+    std::string where;      // "(filter)" or empty
+    std::string order;      // "k1, k2, _rowid_"
     std::string orderDesc;
-    std::string tuple;       // "(k1, k2, _rowid_)"
+    std::string tuple; // "(k1, k2, _rowid_)"
     int tupleSize = 0;
     Statement* first = nullptr;
     Statement* last = nullptr;
@@ -131,8 +55,8 @@ struct Table::Plan {
     Statement* priorPinned = nullptr;
     std::string pinnedTuple;
     std::string pinnedMarks;
-    std::vector<Statement*> findKey;      // by number of key values
-    std::vector<Statement*> findNearest;  // by number of key values
+    std::vector<Statement*> findKey;     // by number of key values
+    std::vector<Statement*> findNearest; // by number of key values
 };
 
 Table::Table(Database& database, std::string tableName)
@@ -302,10 +226,12 @@ void Table::buildPlan() {
         }
         p.pinnedTuple = "(" + p.pinnedTuple + ")";
         p.pinnedMarks = "(" + p.pinnedMarks + ")";
-        p.nextPinned = &statement(p.selectFrom + whereFilter(p.pinnedTuple + " > " + p.pinnedMarks) +
-                                  " order by " + p.order + " limit 1");
-        p.priorPinned = &statement(p.selectFrom + whereFilter(p.pinnedTuple + " < " + p.pinnedMarks) +
-                                   " order by " + p.orderDesc + " limit 1");
+        p.nextPinned =
+            &statement(p.selectFrom + whereFilter(p.pinnedTuple + " > " + p.pinnedMarks) +
+                       " order by " + p.order + " limit 1");
+        p.priorPinned =
+            &statement(p.selectFrom + whereFilter(p.pinnedTuple + " < " + p.pinnedMarks) +
+                       " order by " + p.orderDesc + " limit 1");
     } else {
         p.pinned.clear();
     }
@@ -562,7 +488,8 @@ void Table::post() {
         cancel();
         return;
     }
-    auto& stmt = statement("update " + quoteName(tableName_) + " set " + sets + " where _rowid_ = ?");
+    auto& stmt =
+        statement("update " + quoteName(tableName_) + " set " + sets + " where _rowid_ = ?");
     int index = 1;
     for (auto& v : values)
         stmt.bind(index++, v);

@@ -85,9 +85,9 @@ private:
     std::string tableName_;
     std::string indexName_;
     std::vector<std::string> keyNames_;
-    std::vector<int> keyColumns_;  // column indexes of the key
+    std::vector<int> keyColumns_; // column indexes of the key
     bool keyUnique_ = false;
-    int rowidAlias_ = -1;  // column that is the integer primary key, if any
+    int rowidAlias_ = -1; // column that is the integer primary key, if any
     std::vector<FieldType> types_;
     std::int64_t rowid_ = 0;
     std::unique_ptr<Plan> plan_;

@@ -84,7 +84,7 @@ TEST(CAbi, ExportsRunFromTheCallToTheStoreAndBack) {
 
     char small[4];
     auto pluginName = lib.fn<int32_t (*)(char*, int32_t)>("PluginName");
-    EXPECT_EQ(pluginName(small, sizeof small), 13);  // full length, text cut to fit
+    EXPECT_EQ(pluginName(small, sizeof small), 13); // full length, text cut to fit
     EXPECT_STREQ(small, "FAN");
     char buffer[64];
     lib.fn<int32_t (*)(char*, int32_t)>("FileExtensions")(buffer, sizeof buffer);

@@ -13,7 +13,7 @@ namespace {
 
 struct Run {
     int exitCode = -1;
-    std::string output;  // standard output and standard error together
+    std::string output; // standard output and standard error together
 };
 
 Run quorvel(const std::string& arguments) {

@@ -72,9 +72,9 @@ TEST_F(ExportsTest, MissingTablesAreNamedAndEndTheHost) {
     EXPECT_FALSE(dm.BasketListExists());
     ASSERT_EQ(cell.ui.messages(), std::vector<std::string>{"Syntax is missing from Local"});
     EXPECT_EQ(cell.host.terminateCalls, 1);
-    EXPECT_TRUE(dm.tableCommands.active());  // opened, with no index selected
+    EXPECT_TRUE(dm.tableCommands.active()); // opened, with no index selected
     EXPECT_EQ(dm.tableCommands.indexName(), "");
-    EXPECT_FALSE(dm.tableJobs.active());  // comes after Syntax
+    EXPECT_FALSE(dm.tableJobs.active()); // comes after Syntax
 }
 
 TEST_F(ExportsTest, MissingSharedTableStopsBeforeLocalDatabase) {
@@ -109,9 +109,9 @@ TEST_F(ExportsTest, TemplateNamesAndLookups) {
                            "insert into TemplateName values (3, 'FY', 'Three', 2, 0);"
                            "insert into TemplateName values (5, 'FX', 'Five', 1, 1);");
     boundary::LoadTemplateNames("FX", list, true);
-    boundary::LoadTemplateNames("FX", list, true);  // again on the same list: no doubles
+    boundary::LoadTemplateNames("FX", list, true); // again on the same list: no doubles
     ASSERT_EQ(list.Count(), 3);
-    EXPECT_EQ(list.Strings(1), "Five");  // id order
+    EXPECT_EQ(list.Strings(1), "Five"); // id order
     EXPECT_EQ(list.Objects(1)->TemplateId, 5);
     EXPECT_EQ(list.Objects(2)->TemplateId, 7);
     boundary::LoadTemplateNames("ignored", list, false);

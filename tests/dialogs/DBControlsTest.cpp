@@ -16,9 +16,10 @@ protected:
     void SetUp() override {
         db.setFileName(dir.file("c.db"));
         db.open(true);
-        db.executeScript("create table Jobs(Line_Number integer not null, Value_1 text, Value_2 text);"
-                         "create unique index \"Jobs.Primary\" on Jobs(Line_Number);"
-                         "insert into Jobs values (0, 'a', 'x'), (1, 'b', 'x'), (2, 'b', 'y');");
+        db.executeScript(
+            "create table Jobs(Line_Number integer not null, Value_1 text, Value_2 text);"
+            "create unique index \"Jobs.Primary\" on Jobs(Line_Number);"
+            "insert into Jobs values (0, 'a', 'x'), (1, 'b', 'x'), (2, 'b', 'y');");
         table.open();
         table.setIndexName("Primary");
         source.setDataSet(&table);
@@ -49,7 +50,7 @@ TEST_F(DBControlsTest, FollowsCursorAndFiresOnlyWhenTextChanges) {
     table.next();
     EXPECT_EQ(edit.text(), "b");
     EXPECT_EQ(changes, 2);
-    table.next();  // same text on the next row: no change signal
+    table.next(); // same text on the next row: no change signal
     EXPECT_EQ(changes, 2);
     // A statement's change shows at the next move.
     db.execute("update Jobs set Value_1 = 'q' where Line_Number = 0");
@@ -68,8 +69,7 @@ TEST_F(DBControlsTest, KeystrokeStartsEditBeforeHandlerAndPostWritesText) {
     edit.setDataSource(&source);
     edit.setDataField("Value_1");
     std::vector<store::DatasetState> statesSeen;
-    QObject::connect(&edit, &QLineEdit::textChanged,
-                     [&] { statesSeen.push_back(table.state()); });
+    QObject::connect(&edit, &QLineEdit::textChanged, [&] { statesSeen.push_back(table.state()); });
     QTest::keyClicks(&edit, "Z");
     ASSERT_EQ(statesSeen.size(), 1u);
     EXPECT_EQ(statesSeen[0], store::DatasetState::Edit);
@@ -98,9 +98,9 @@ TEST_F(DBControlsTest, UpperCaseControlsConvertEverything) {
     memo.setUpperCase(true);
     memo.setDataSource(&source);
     memo.setDataField("Value_2");
-    EXPECT_EQ(memo.text(), "X");  // from the row
+    EXPECT_EQ(memo.text(), "X"); // from the row
     memo.setText("mixed é");
-    EXPECT_EQ(memo.text(), "MIXED é");  // only a to z
+    EXPECT_EQ(memo.text(), "MIXED é"); // only a to z
     dialogs::TDBEdit edit;
     edit.setUpperCase(true);
     edit.setDataSource(&source);
@@ -110,7 +110,7 @@ TEST_F(DBControlsTest, UpperCaseControlsConvertEverything) {
     edit.setCursorPosition(1);
     QTest::keyClicks(&edit, "cd");
     EXPECT_EQ(edit.text(), "ACD");
-    EXPECT_EQ(changes, 2);  // one per key, already upper-cased
+    EXPECT_EQ(changes, 2); // one per key, already upper-cased
     table.post();
     EXPECT_EQ(rowValue(0, "Value_1"), "ACD");
 }

@@ -1,6 +1,6 @@
 // Queries: one statement per call, reading results, errors that name the statement.
-#include "store/Database.h"
 #include "store/Query.h"
+#include "store/Database.h"
 #include "store/Table.h"
 #include "support/CellFixture.h"
 
@@ -47,7 +47,7 @@ TEST_F(QueryTest, SecondStatementIsRefusedAndNothingRuns) {
     text = message([&] { q.execSQL(); });
     EXPECT_NE(text.find("where B = 'it's'"), std::string::npos) << text;
     q.setSql("delete from T where B = 'x'; --");
-    q.execSQL();  // a trailing comment is not a statement
+    q.execSQL(); // a trailing comment is not a statement
     EXPECT_EQ(q.rowsAffected(), 1);
 }
 
@@ -69,7 +69,7 @@ TEST_F(QueryTest, LinesJoinAndResultsReadWithNullDefaults) {
     EXPECT_THROW(q.fieldByName("C"), StoreError);
     q.setSql("select B from T where A = 1");
     q.open();
-    EXPECT_THROW(q.fields(0).asInteger(), StoreError);  // 'x' is no integer
+    EXPECT_THROW(q.fields(0).asInteger(), StoreError); // 'x' is no integer
 }
 
 TEST_F(QueryTest, BrokenFilesGiveClearErrors) {

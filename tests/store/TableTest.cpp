@@ -1,7 +1,8 @@
 // Cursor behaviour of tables: moves, flags, filters, seeks, edits and deletes.
-#include "store/Database.h"
-#include "store/Query.h"
 #include "store/Table.h"
+#include "store/Database.h"
+#include "store/FilterTerms.h"
+#include "store/Query.h"
 #include "support/CellFixture.h"
 
 #include <gtest/gtest.h>
@@ -71,15 +72,15 @@ TEST_F(TableTest, MovesSetFlagsOnlyWhenAMoveFails) {
     EXPECT_TRUE(t.bof());
     EXPECT_FALSE(t.eof());
     t.next();
-    t.next();  // arrives on the last row: neither flag
+    t.next(); // arrives on the last row: neither flag
     EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
     EXPECT_FALSE(t.eof());
     EXPECT_FALSE(t.bof());
-    t.next();  // fails: end flag, row stays
+    t.next(); // fails: end flag, row stays
     EXPECT_TRUE(t.eof());
     EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
     t.prior();
-    t.prior();  // arrives on the first row: no begin flag
+    t.prior(); // arrives on the first row: no begin flag
     EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 0);
     EXPECT_FALSE(t.bof());
     t.prior();
@@ -133,7 +134,7 @@ TEST_F(TableTest, FiltersLandOnFirstRowAndBoundEveryMove) {
     addLines(t, 1, 2, 3);
     addLines(t, 2, 1, 2);
     t.findKey({1, 1, 3});
-    t.setFiltered(false);  // same state again: still back to the first row
+    t.setFiltered(false); // same state again: still back to the first row
     EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 0);
     t.setFilter("Pallet_Number = 1 and Job_Number = 2");
     t.setFiltered(true);
@@ -201,16 +202,16 @@ TEST_F(TableTest, PinnedFilterStepsMatchFullScanAcrossJobBorders) {
 TEST_F(TableTest, SeeksOnLeadingKeyColumns) {
     Table t(db, "Jobs");
     t.open();
-    EXPECT_THROW(t.findKey({1}), StoreError);  // no index selected yet
+    EXPECT_THROW(t.findKey({1}), StoreError); // no index selected yet
     t.setIndexName("Primary");
     addLines(t, 3, 1, 3);
     addLines(t, 5, 2, 3);
     EXPECT_TRUE(t.findKey({5}));
     EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 0);
-    EXPECT_TRUE(t.findKey({"3", "1", "2"}));  // text values meet an integer key
+    EXPECT_TRUE(t.findKey({"3", "1", "2"})); // text values meet an integer key
     EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
     EXPECT_FALSE(t.findKey({4}));
-    EXPECT_EQ(t.fieldByName("Pallet_Number").asInteger(), 3);  // stayed where it was
+    EXPECT_EQ(t.fieldByName("Pallet_Number").asInteger(), 3); // stayed where it was
     t.findNearest({4});
     EXPECT_EQ(t.fieldByName("Pallet_Number").asInteger(), 5);
     t.findNearest({3, 1, 1});
@@ -321,7 +322,7 @@ TEST_F(TableTest, InsertByPositionLeavesNullsAndStandsOnNewRow) {
     } catch (const StoreError& e) {
         EXPECT_NE(std::string(e.what()).find("Colour"), std::string::npos);
     }
-    EXPECT_THROW(t.insertRecord({1, 1, 1}), StoreError);  // key violation
+    EXPECT_THROW(t.insertRecord({1, 1, 1}), StoreError); // key violation
     EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 10);
     std::vector<Value> tooMany(17, Value(1));
     EXPECT_THROW(t.insertRecord(tooMany), StoreError);
@@ -341,7 +342,8 @@ TEST_F(TableTest, StatementChangesSeenAtNextMoveAndBookmarks) {
     t.findKey({1, 1, 1});
     auto mark = t.getBookmark();
     Query q(db);
-    q.setSql("insert into Jobs (Pallet_Number, Job_Number, Line_Number, Code) values (1, 1, 7, 'Q')");
+    q.setSql(
+        "insert into Jobs (Pallet_Number, Job_Number, Line_Number, Code) values (1, 1, 7, 'Q')");
     q.execSQL();
     q.setSql("update Jobs set Code = 'U' where Line_Number = 2");
     q.execSQL();
@@ -379,4 +381,16 @@ TEST_F(TableTest, IndexDefinitionsAndMissingTable) {
         EXPECT_NE(std::string(e.what()).find("Nowhere"), std::string::npos);
     }
     EXPECT_FALSE(missing.active());
+}
+
+TEST(FilterTerms, OnlyPlainConjunctionsOfEqualities) {
+    auto terms = store::equalityTerms("Pallet_Number = 5 and [Job_Number]=-2 AND Code = 'it''s'");
+    ASSERT_TRUE(terms);
+    ASSERT_EQ(terms->size(), 3u);
+    EXPECT_EQ((*terms)[1].first, "Job_Number");
+    EXPECT_EQ((*terms)[1].second, store::Value(-2));
+    EXPECT_EQ((*terms)[2].second, store::Value("it's"));
+    for (const char* other : {"A = 1 or B = 2", "A > 1", "A = 1 and", "A = B", "A = '1", "A = 1.5",
+                              "", "Command = 'ALL' or Command = 'G01'"})
+        EXPECT_FALSE(store::equalityTerms(other)) << other;
 }

@@ -42,4 +42,3 @@ std::string readFile(const std::string& path) {
 }
 
 } // namespace testsupport
-

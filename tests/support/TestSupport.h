@@ -26,4 +26,3 @@ void writeFile(const std::string& path, const std::string& text);
 std::string readFile(const std::string& path);
 
 } // namespace testsupport
-
