@@ -24,6 +24,9 @@ void Database::open(bool create) {
         return;
     if (fileName_.empty())
         throw StoreError("No file is set for database " + databaseName_);
+    if (Exclusive)
+        throw StoreError("Database " + databaseName_ + " cannot be opened exclusively: the host " +
+                         "shares its files");
     std::error_code ec;
     if (!create && !std::filesystem::is_regular_file(fileName_, ec))
         throw StoreError("Cannot open database " + databaseName_ + ": file " + fileName_ +

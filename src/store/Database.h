@@ -19,6 +19,14 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
+    // Connection settings as the store module gives them. The engine always shares its files (WAL
+    // with a busy timeout) and shows no dialogs, so these are carried, not acted on; an exclusive
+    // database is refused at open because the host must be able to hold the file too.
+    bool Exclusive = false;
+    bool MultiUser = true;
+    int MaxConnections = 500;
+    bool SilentMode = true;
+
     const std::string& databaseName() const { return databaseName_; }
     const std::string& sessionName() const { return sessionName_; }
 
