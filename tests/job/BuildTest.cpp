@@ -1,0 +1,225 @@
+// Job build: the demo template for pallet 7, small templates for the kinds of line, and failures.
+#include "JobFixture.h"
+
+#include <array>
+#include <vector>
+
+namespace {
+
+struct Line {
+    int line;
+    std::string code;
+    int level;
+    int syntaxItem;
+    std::string script;
+    std::array<std::string, 6> values;
+    int image;
+    int state;
+};
+
+class BuildTest : public jobtest::JobFixture {
+protected:
+    // Adds template `id` with rows "level code syntax" and values; sections get a null syntax.
+    void addTemplate(int id, const std::vector<std::string>& rows) {
+        std::string sql =
+            "insert into TemplateName values (" + std::to_string(id) + ", 'FX', 'T', 3, False);";
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            sql += "insert into TemplateData values (" + std::to_string(id) + ", " +
+                   std::to_string(i) + ", " + rows[i] + ", '', False, 0);";
+        cell.run("Quorvel.db", sql);
+    }
+    void useTemplate(int id) {
+        DM().PositionTemplate(id);
+        TJobWizardInfo info = form->WizardInfo();
+        info.TemplateID = id;
+        form->SetWizardInfo(info);
+        form->TakeJobKeys();
+    }
+    void expectJob(const std::vector<Line>& lines) {
+        EXPECT_EQ(DM().tableJobs.recordCount(), static_cast<int>(lines.size()));
+        for (const auto& l : lines) {
+            SCOPED_TRACE("line " + std::to_string(l.line) + " " + l.code);
+            EXPECT_EQ(jobField(l.line, "Pallet_Number"), "7");
+            EXPECT_EQ(jobField(l.line, "Job_Number"), "1");
+            EXPECT_EQ(jobField(l.line, "Code"), l.code);
+            EXPECT_EQ(jobField(l.line, "Node_Level"), std::to_string(l.level));
+            EXPECT_EQ(jobField(l.line, "Syntax_Item"), std::to_string(l.syntaxItem));
+            EXPECT_EQ(jobField(l.line, "Script_Line"), l.script);
+            for (int n = 0; n < 6; ++n)
+                EXPECT_EQ(jobField(l.line, schema::ValueColumn(n + 1)), l.values[n]) << n + 1;
+            EXPECT_EQ(jobField(l.line, "Image"), std::to_string(l.image));
+            EXPECT_EQ(jobField(l.line, "State"), std::to_string(l.state));
+            EXPECT_TRUE(DM().tableJobs.fieldByName("Path").isNull());
+        }
+    }
+    int rowsOf(int pallet) {
+        auto q = DM().NewLocalQuery();
+        q->setSql("select count(*) from Jobs where Pallet_Number = " + std::to_string(pallet));
+        q->open();
+        return q->fields(0).asInteger();
+    }
+};
+
+} // namespace
+
+TEST_F(BuildTest, DemoTemplateForPallet7) {
+    build();
+    // Presets start complete (image 2), defaults open (1); sections are always open.
+    expectJob({
+        {0, "HDR", 0, 0, "(HEADER)", {"Header", "1"}, 1, 0},
+        {1, "COMMENT", 1, 1, "(DEMO WIRE-CUT PLATE)", {"DEMO WIRE-CUT PLATE", "0"}, 2, 0},
+        // A preset of a static syntax: the template's values are dropped.
+        {2, "G90", 1, 1, "G90", {}, 2, 0},
+        // The local default syntax 2 of G54 is G55.
+        {3, "G54", 1, 2, "G55", {}, 1, 0},
+        {4, "WIRE", 1, 1, "M60", {}, 2, 0},
+        {5, "VAR", 1, 1, "#510=0.125", {"510", "0.125"}, 2, 0},
+        // "[P4]" with pallet 7.
+        {6, "M98", 1, 1, "M98 P0007", {"0007", "0"}, 2, 0},
+        {7, "WRK", 0, 0, "(WORKPIECE1)", {"Workpiece1"}, 1, 0},
+        // The running number has no default: its integer counts as 0.
+        {8, "PIECE", 1, 1, "#501=0", {}, 1, 0},
+        {9, "G92", 1, 1, "G92 X+10.000 Y+5.000", {"10", "5", "0"}, 2, 0},
+        {10, "UV", 2, 1, " U+0.500 V-0.500", {"0.5", "-0.5"}, 2, 2},
+        // The dwell takes the template's local default 2.5 over the global 0.5.
+        {11, "G04", 1, 1, "G04 X2.5", {"2.5", "0"}, 1, 0},
+        {12, "M98", 1, 2, "M98 P1001 L2", {"1001", "2", "0"}, 2, 0},
+        {13, "WRK", 0, 0, "(WORKPIECE2)", {"Workpiece2"}, 1, 0},
+        {14, "PIECE", 1, 1, "#501=0", {}, 1, 0},
+        {15, "OFFSET", 1, 1, "G41 D02", {"2", "1"}, 2, 0},
+        {16, "G00", 1, 1, "G00 X+60.000 Y+5.000", {"60", "5", "0"}, 2, 0},
+        {17, "G65", 1, 1, "G65 P9010 A+1.500 B-2.000", {"9010", "1.5", "-2", "0"}, 2, 0},
+        {18, "ARGC", 2, 1, " C+0.250", {"0.25"}, 2, 2},
+        {19, "WRK", 0, 0, "(WORKPIECE3)", {"Workpiece3"}, 1, 0},
+        {20, "PIECE", 1, 1, "#501=0", {}, 1, 0},
+        {21,
+         "G92",
+         1,
+         2,
+         "G92 X+110.000 Y+5.000 U+0.500 V-0.500",
+         {"110", "5", "0.5", "-0.5", "0"},
+         2,
+         0},
+        {22, "UV", 2, 1, " U+0.000 V+0.000", {"0", "0"}, 1, 2},
+        {23, "M98", 1, 1, "M98 P1002", {"1002", "0"}, 2, 0},
+        {24, "REPEAT", 2, 1, " L3", {"3"}, 2, 2},
+        {25, "FTR", 0, 0, "(FOOTER)", {"Footer"}, 1, 0},
+        // The first syntax's type (5, plain) decides, though item 2 is chosen.
+        {26, "FLUSH", 1, 2, "M81", {}, 2, 0},
+        {27, "ACK", 1, 2, "M01", {}, 2, 0},
+        {28, "NOTE", 2, 1, " (CHECK WIRE)", {}, 2, 2},
+        {29, "G00", 1, 1, "G00 X+0.000 Y+0.000", {"0", "0", "0"}, 1, 0},
+    });
+    EXPECT_EQ(form->FWorkpieceCounter, 3);
+}
+
+TEST_F(BuildTest, RebuildReplacesOnlyThisJobsRows) {
+    cell.run("Quorvel.db", "insert into Jobs (Pallet_Number, Job_Number, Line_Number, Code) "
+                           "values (7, 1, 99, 'OLD'), (7, 2, 0, 'HDR'), (8, 1, 0, 'HDR');");
+    build();
+    build();
+    EXPECT_EQ(DM().tableJobs.recordCount(), 30);
+    EXPECT_FALSE(DM().tableJobs.findKey({7, 1, 99}));
+    EXPECT_EQ(rowsOf(7), 31);
+    EXPECT_EQ(rowsOf(8), 1);
+}
+
+TEST_F(BuildTest, KindsOfLine) {
+    addTemplate(2, {
+                       "0, 'HDR', null, null, null, null, null, null, null",
+                       "0, 'WRK', null, null, null, null, null, null, null",
+                       // A code that Syntax does not hold becomes a workpiece line.
+                       "1, 'XYZ', 0, 'a', 'b', '', '', '', ''",
+                       "0, 'NOP', null, null, null, null, null, null, null",
+                       "0, 'WRK', null, null, null, null, null, null, null",
+                       // No default syntax at all still gives item 1.
+                       "1, 'OFFSET', -1, '', '', '', '', '', ''",
+                       // Item 3 of ACK (which has 2) reads the next code's row.
+                       "1, 'ACK', 2, '', '', '', '', '', ''",
+                       // Item 2 of G04 stands on G54's first row, which composes to its text.
+                       "1, 'G04', 1, '[Px][P2]', '[P2]', '', '', '', ''",
+                       // A level 0 row of a command code takes the section path.
+                       "0, 'G00', 0, '', '', '', '', '', ''",
+                       "0, 'FTR', null, null, null, null, null, null, null",
+                   });
+    useTemplate(2);
+    build();
+    expectJob({
+        {0, "HDR", 0, 0, "(HEADER)", {"Header", "3"}, 1, 0},
+        {1, "WRK", 0, 0, "(WORKPIECE1)", {"Workpiece1"}, 1, 0},
+        {2, "XYZ", 1, 0, "(WORKPIECE2)", {"Workpiece2"}, 1, 0},
+        {3, "NOP", 0, 0, "", {}, 1, 0},
+        {4, "WRK", 0, 0, "(WORKPIECE3)", {"Workpiece3"}, 1, 0},
+        {5, "OFFSET", 1, 1, "G41 D01", {"1", "0"}, 1, 0},
+        {6, "ACK", 1, 3, "C__", {}, 2, 0},
+        // A preset passes the token routine twice: two tokens are expanded.
+        {7, "G04", 1, 2, "G54", {"00707", "07"}, 2, 0},
+        {8, "G00", 0, 0, "(WORKPIECE4)", {"Workpiece4"}, 1, 0},
+        {9, "FTR", 0, 0, "(FOOTER)", {"Footer"}, 1, 0},
+    });
+}
+
+TEST_F(BuildTest, AFailedBuildLeavesTheJobAsItWas) {
+    build();
+    cell.run("Quorvel.db", "insert into Syntax values ('BAD', 1, 'ALL', 'BAD', 1, '', 'x', "
+                           "0, 0, 0, 0, 0, 0);");
+    addTemplate(3, {
+                       "0, 'HDR', null, null, null, null, null, null, null",
+                       "1, 'G90', 0, '', '', '', '', '', ''",
+                       "1, 'BAD', 0, '1', '', '', '', '', ''",
+                   });
+    useTemplate(3);
+    form->FilterJobTables();
+    try {
+        form->BuildJobFromTemplate();
+        ADD_FAILURE() << "no error";
+    } catch (const JobError& e) {
+        EXPECT_NE(std::string(e.what()).find("Syntax BAD item 1"), std::string::npos) << e.what();
+    }
+    EXPECT_EQ(DM().tableJobs.state(), store::DatasetState::Browse);
+    EXPECT_EQ(DM().tableJobs.recordCount(), 30);
+    EXPECT_EQ(jobField(6, "Script_Line"), "M98 P0007");
+    EXPECT_EQ(jobField(2, "Code"), "G90");
+    // The boxes follow the rows that are there.
+    DM().tableJobs.first();
+    EXPECT_EQ(form->dbeValue1->text().toStdString(), "Header");
+}
+
+TEST_F(BuildTest, JobKeysAndPalletTokens) {
+    TJobWizardInfo info;
+    const auto keyError = [&](const std::string& pallet, int job) -> std::string {
+        info.PalletNumber = pallet;
+        info.JobNumber = job;
+        form->SetWizardInfo(info);
+        try {
+            form->TakeJobKeys();
+        } catch (const JobError& e) {
+            return e.what();
+        }
+        return "";
+    };
+    EXPECT_NE(keyError("abc", 1).find("'abc'"), std::string::npos);
+    EXPECT_NE(keyError("7x", 1).find("'7x'"), std::string::npos);
+    EXPECT_NE(keyError("32768", 1).find("32768"), std::string::npos);
+    EXPECT_NE(keyError("7", 70000).find("70000"), std::string::npos);
+    EXPECT_EQ(keyError("-32768", 32767), "");
+    EXPECT_EQ(form->PalletNumber(), -32768);
+    EXPECT_EQ(form->JobNumber(), 32767);
+
+    const auto expand = [&](const std::string& pallet, std::string value) {
+        info.PalletNumber = pallet;
+        form->SetWizardInfo(info);
+        form->ExpandProgramToken(value);
+        return value;
+    };
+    EXPECT_EQ(expand("7", "[P4]"), "0007");
+    EXPECT_EQ(expand("7", "[PX]"), "007");
+    EXPECT_EQ(expand("7", "A[P2]B[P2]"), "A07B[P2]");
+    EXPECT_EQ(expand("7", "x[P"), "x007");
+    EXPECT_EQ(expand("7", "[P0]"), "7");
+    EXPECT_EQ(expand("123", "[P2]"), "123");
+    EXPECT_EQ(expand("-5", "[P4]"), "-0005");
+    EXPECT_EQ(expand("7", "no token"), "no token");
+    EXPECT_EQ(expand("x", "no token"), "no token");
+    EXPECT_THROW(expand("x", "[P4]"), JobError);
+}

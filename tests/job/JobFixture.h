@@ -1,0 +1,53 @@
+#pragma once
+// A demo cell with the store module open on it and a job wizard form for pallet 7, job 1 of the
+// demo template. The form is gone before the store module, and no window is left behind. The test
+// main provides the QApplication.
+#include "job/Job.h"
+#include "store/DataMod.h"
+#include "support/CellFixture.h"
+
+#include <QApplication>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace jobtest {
+
+class JobFixture : public ::testing::Test {
+protected:
+    void SetUp() override {
+        CreateDM();
+        DM().OpenStore(cell.dir(), cell.dir(), 0, 0);
+        DM().PositionTemplate(1);
+        form = std::make_unique<TdlgJob>();
+        TJobWizardInfo info;
+        info.TemplateID = 1;
+        info.JobNumber = 1;
+        info.PalletNumber = "7";
+        form->SetWizardInfo(info);
+        form->TakeJobKeys();
+    }
+    void TearDown() override {
+        form.reset();
+        FreeDM();
+        EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
+    }
+
+    // Opens the job's tables as the wizard does, then builds the job.
+    void build() {
+        form->BindDataControls();
+        form->FilterJobTables();
+        form->BuildJobFromTemplate();
+    }
+    // A column of the job's row of `line`.
+    std::string jobField(int line, const char* column) {
+        auto& jobs = DM().tableJobs;
+        EXPECT_TRUE(jobs.findKey({form->PalletNumber(), form->JobNumber(), line})) << line;
+        return jobs.fieldByName(column).asString();
+    }
+
+    testsupport::CellFixture cell{true};
+    std::unique_ptr<TdlgJob> form;
+};
+
+} // namespace jobtest
