@@ -2,7 +2,9 @@
 
 #include "common/Convert.h"
 #include "common/Format.h"
+#include "common/Services.h"
 #include "store/DataMod.h"
+#include "template/Template.h"
 
 #include <filesystem>
 #include <system_error>
@@ -20,12 +22,14 @@ void LibraryLoad() {
     if (loaded())
         return;
     CreateDM();
+    CreateDlgTemplate();
     loaded() = true;
 }
 
 void LibraryUnload() {
     if (!loaded())
         return;
+    FreeDlgTemplate();
     FreeDM();
     loaded() = false;
 }
@@ -62,7 +66,8 @@ void FreeTemplateNames(TStringList* list) { TDM::ClearTemplateNames(list); }
 void GetTemplateName(std::int32_t templateId, std::string& name) {
     name.clear();
     auto query = DM().NewLocalQuery();
-    query->setSql(common::format("select Name from TemplateName where Template_ID = %d", {templateId}));
+    query->setSql(
+        common::format("select Name from TemplateName where Template_ID = %d", {templateId}));
     query->open();
     if (!query->eof())
         name = query->fields(0).asString();
@@ -92,6 +97,42 @@ void DeleteJob(const std::string& palletNumber, const std::string& jobNumber) {
     query->setSql(common::format("delete from Jobs where Pallet_Number = %s and Job_Number = %s",
                                  {palletNumber, jobNumber}));
     query->execSQL();
+}
+
+void NewTemplate(const std::string& fixture, std::int32_t workpieces, std::string& name) {
+    TdlgTemplate& form = dlgTemplate(); // first: without an editor no row is written
+    std::int32_t id = 1;
+    {
+        auto query = DM().NewLocalQuery();
+        query->setSql("select Template_ID from TemplateName order by Template_ID");
+        query->open();
+        // The lowest id not taken: the first row whose id lies above the candidate ends the walk.
+        for (; !query->eof(); query->next()) {
+            if (query->fields(0).asInteger() > id)
+                break;
+            ++id;
+        }
+        query->close();
+        query->setSql(common::format("insert into TemplateName values(%d, '%s', '', 1, False)",
+                                     {id, fixture}));
+        query->execSQL();
+    }
+    form.LoadTemplate(workpieces, id);
+    if (common::ui().showModal(&form) == common::ModalResult::Ok) {
+        name = DM().tableTemplateName.fieldByName(schema::Name).asString();
+        return;
+    }
+    auto query = DM().NewLocalQuery();
+    query->setSql(common::format("delete from TemplateName where Template_ID = %d", {id}));
+    query->execSQL();
+    name.clear();
+}
+
+void ModifyTemplate(std::int32_t, std::int32_t workpieces, std::int32_t templateId) {
+    TdlgTemplate& form = dlgTemplate();
+    DM().tableTemplateName.findNearest({templateId});
+    form.LoadTemplate(workpieces, templateId);
+    common::ui().showModal(&form);
 }
 
 } // namespace boundary

@@ -12,7 +12,8 @@ inline constexpr const char* ModuleName = "FANUC Robocut";
 inline constexpr const char* ModuleFileExtension = ".NC";
 
 // Loading the library: creates the store module, then the template editor. Unloading frees them in
-// the reverse order. Both are idempotent.
+// the reverse order. Both are idempotent. The editor is a widget and needs a QApplication: without
+// one at load it is created at its first use.
 void LibraryLoad();
 void LibraryUnload();
 bool LibraryLoaded();
@@ -31,5 +32,12 @@ void GetTemplateName(std::int32_t templateId, std::string& name);
 bool JobFileExists(const std::string& directory);
 // Deletes a job's rows; both texts go into the statement as given.
 void DeleteJob(const std::string& palletNumber, const std::string& jobNumber);
+
+// A new template under the lowest free id, edited in the template editor. On OK `name` is the
+// name typed; otherwise the template's row is removed again and `name` is empty. Needs a
+// QApplication (std::logic_error without one, before anything is written).
+void NewTemplate(const std::string& fixture, std::int32_t workpieces, std::string& name);
+// Opens the template editor on a template; the first value is ignored and the id is not checked.
+void ModifyTemplate(std::int32_t reserved, std::int32_t workpieces, std::int32_t templateId);
 
 } // namespace boundary
