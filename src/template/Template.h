@@ -10,17 +10,16 @@
 #include "template/TreeNodes.h"
 
 #include <QDialog>
+#include <QFrame>
+#include <QLabel>
+#include <QPushButton>
+#include <QTimer>
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
-
-class QFrame;
-class QLabel;
-class QPushButton;
-class QTimer;
 
 class TdlgTemplate : public QDialog {
     Q_OBJECT
