@@ -1,5 +1,6 @@
 // quorvel: the stand-alone host of the FANUC Robocut machine module.
 #include "Commands.h"
+#include "JobCommands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -23,12 +24,16 @@ int main(int argc, char** argv) {
     templates->add_option("--cell", cellDir, "Cell directory")->capture_default_str();
     templates->add_option("--fixture", fixture, "Only the templates of this fixture");
 
+    app::JobCommands jobCommands(cli, cellDir);
+
     CLI11_PARSE(cli, argc, argv);
     try {
         if (*init)
             return app::runInit(cellDir, force, empty);
         if (*templates)
             return app::runTemplates(cellDir, fixture, templates->count("--fixture") > 0);
+        if (auto code = jobCommands.run())
+            return *code;
     } catch (const std::exception& e) {
         std::cerr << "quorvel: " << e.what() << '\n';
         return 1;

@@ -56,6 +56,10 @@ public:
     // The composer on explicit row fields: what ComposeScriptLine does after reading the row.
     static std::string ComposeMaskLine(const std::string& Mask, int Type, const std::string& Syntax,
                                        const std::array<std::string, 6>& Values);
+    // One case of the compose command: mask, type, syntax text and up to six values, separated by
+    // tabs (missing fields are empty). A type that is no integer or more than nine fields raise a
+    // JobError.
+    static std::string ComposeCaseLine(const std::string& Case);
     // Text for specifier Index (1..6) of the working mask, which is rewritten to hold "%s" there.
     static std::string FormatValueForMask(std::string& Mask, int Index, const std::string& Value);
     // Number of "%x" pairs; 0 for a mask ending in "%", and with Strict for "%-*.*s" or "%p".

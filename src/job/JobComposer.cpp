@@ -8,8 +8,10 @@
 #include "common/Format.h"
 #include "store/DataMod.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -137,6 +139,26 @@ std::string TdlgJob::ComposeMaskLine(const std::string& Mask, int Type, const st
     if (n == 0 && (Type == 1 || Type == 3))
         return NotHandledLine;
     return Syntax;
+}
+
+std::string TdlgJob::ComposeCaseLine(const std::string& Case) {
+    std::vector<std::string> fields;
+    std::size_t from = 0;
+    for (auto tab = Case.find('\t'); tab != std::string::npos; tab = Case.find('\t', from)) {
+        fields.push_back(Case.substr(from, tab - from));
+        from = tab + 1;
+    }
+    fields.push_back(Case.substr(from));
+    if (fields.size() > 9)
+        throw JobError("A case has at most 9 fields (mask, type, syntax, 6 values), not " +
+                       std::to_string(fields.size()));
+    fields.resize(9);
+    const auto type = common::tryStrToInt(fields[1]);
+    if (!type)
+        throw JobError("The type '" + fields[1] + "' is not a valid integer value");
+    std::array<std::string, 6> values;
+    std::move(fields.begin() + 3, fields.end(), values.begin());
+    return ComposeMaskLine(fields[0], *type, fields[2], values);
 }
 
 std::string TdlgJob::ComposeScriptLine(bool SaveIt) {

@@ -1,0 +1,151 @@
+#include "JobCommands.h"
+
+#include "Console.h"
+#include "boundary/Exports.h"
+#include "common/Convert.h"
+#include "common/Services.h"
+#include "job/Job.h"
+#include "store/DataMod.h"
+
+#include <QApplication>
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+namespace app {
+
+namespace {
+
+// Widgets without a display: the offscreen platform unless one is chosen.
+std::unique_ptr<QApplication> headlessApplication() {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    static int argc = 1;
+    static char name[] = "quorvel";
+    static char* argv[] = {name, nullptr};
+    return std::make_unique<QApplication>(argc, argv);
+}
+
+// The module loaded against a cell with console services, as a host loads it.
+class CellSession {
+public:
+    explicit CellSession(const std::string& cellDir)
+        : services_(common::Services{&ui_, nullptr, &host_}) {
+        if (!std::filesystem::is_regular_file(std::filesystem::path(cellDir) / "ZEL.db"))
+            throw std::runtime_error("no cell in " + cellDir + " (run `quorvel init` first)");
+        boundary::LibraryLoad();
+        boundary::Initialize(cellDir, cellDir);
+        if (host_.terminated)
+            throw std::runtime_error("the cell in " + cellDir + " is incomplete");
+    }
+    ~CellSession() { boundary::LibraryUnload(); }
+    CellSession(const CellSession&) = delete;
+    CellSession& operator=(const CellSession&) = delete;
+
+private:
+    ConsoleUi ui_;
+    ConsoleHost host_;
+    common::ScopedServices services_;
+};
+
+} // namespace
+
+JobCommands::JobCommands(CLI::App& cli, std::string& cellDir) : cellDir_(cellDir) {
+    build_ = cli.add_subcommand(
+        "build", "Build the job of a pallet from a template (replacing the job's lines) and print "
+                 "its lines: line number, level, code, script line");
+    build_->add_option("--cell", cellDir_, "Cell directory")->capture_default_str();
+    build_->add_option("--template", templateId_, "Template id")->capture_default_str();
+    build_->add_option("--pallet", pallet_, "Pallet number")->required();
+    build_->add_option("--job", job_, "Job number")->capture_default_str();
+
+    compose_ = cli.add_subcommand(
+        "compose", "Compose a script line from a mask, a syntax type and up to six values. "
+                   "Without a mask, read cases from standard input, one a line: mask, type, "
+                   "syntax text, value 1..6, separated by tabs. Each case prints its line, or "
+                   "\"error: case N: ...\"; the exit code is 1 when a case failed. Put -- before "
+                   "a mask that starts with a dash");
+    compose_->add_option("--syntax", syntax_, "Syntax text (the line of a plain syntax)");
+    compose_->add_option("mask type values", words_, "MASK TYPE [VALUE1 .. VALUE6]");
+}
+
+std::optional<int> JobCommands::run() {
+    if (*build_)
+        return runBuild();
+    if (*compose_)
+        return runCompose();
+    return std::nullopt;
+}
+
+int JobCommands::runBuild() {
+    const auto app = headlessApplication();
+    CellSession session(cellDir_);
+    DM().PositionTemplate(templateId_);
+    if (DM().tableTemplateName.fieldByName(schema::Template_ID).asInteger() != templateId_)
+        throw std::runtime_error("there is no template " + std::to_string(templateId_));
+
+    TdlgJob form;
+    TJobWizardInfo info;
+    info.TemplateID = templateId_;
+    info.JobNumber = job_;
+    info.PalletNumber = pallet_;
+    form.SetWizardInfo(info);
+    form.TakeJobKeys();
+    form.BindDataControls();
+    form.FilterJobTables();
+    form.BuildJobFromTemplate();
+
+    auto& jobs = DM().tableJobs;
+    for (jobs.first(); !jobs.eof(); jobs.next())
+        std::cout << jobs.fieldByName(schema::Line_Number).asString() << '\t'
+                  << jobs.fieldByName(schema::Node_Level).asString() << '\t'
+                  << jobs.fieldByName(schema::Code).asString() << '\t'
+                  << jobs.fieldByName(schema::Script_Line).asString() << '\n';
+    return 0;
+}
+
+int JobCommands::runCompose() {
+    if (!words_.empty()) {
+        if (words_.size() < 2 || words_.size() > 8) {
+            std::cerr << "quorvel compose: give MASK TYPE and at most six values\n";
+            return 2;
+        }
+        const auto type = common::tryStrToInt(words_[1]);
+        if (!type) {
+            std::cout << "error: the type '" << words_[1] << "' is not a valid integer value\n";
+            return 1;
+        }
+        std::array<std::string, 6> values;
+        std::copy(words_.begin() + 2, words_.end(), values.begin());
+        try {
+            std::cout << TdlgJob::ComposeMaskLine(words_[0], *type, syntax_, values) << '\n';
+        } catch (const JobError& e) {
+            std::cout << "error: " << e.what() << '\n';
+            return 1;
+        }
+        return 0;
+    }
+    // Many cases: no store and no widgets, only the composer.
+    std::ios::sync_with_stdio(false);
+    std::string line;
+    long number = 0;
+    long failed = 0;
+    while (std::getline(std::cin, line)) {
+        ++number;
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        try {
+            std::cout << TdlgJob::ComposeCaseLine(line) << '\n';
+        } catch (const std::exception& e) {
+            ++failed;
+            std::cout << "error: case " << number << ": " << e.what() << '\n';
+        }
+    }
+    std::cout.flush();
+    if (failed)
+        std::cerr << "quorvel compose: " << failed << " of " << number << " cases failed\n";
+    return failed ? 1 : 0;
+}
+
+} // namespace app
