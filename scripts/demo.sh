@@ -7,3 +7,6 @@ export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
 cell=${QUORVEL_CELL:-$PWD/build/cell}
 ./build/quorvel init --cell "$cell" --force
 ./build/quorvel templates --cell "$cell"
+# The main job: the demo template built for pallet 7, job 1, without a window.
+# Columns: line number, node level, code, script line.
+./build/quorvel build --cell "$cell" --template 1 --pallet 7 --job 1
