@@ -26,6 +26,9 @@ void TdlgTemplate::btnOKClick() {
     store::Transaction transaction(DM().LocalDatabase);
     if (names.state() != store::DatasetState::Edit)
         names.edit();
+    // The name typed goes into its column first: a change of another column refreshes the bound
+    // controls from the row, which would drop the typed text.
+    DM().sourceTemplateName.updateRecord();
     names.fieldByName(schema::Version).setAsInteger(FVersion);
     names.post();
     SaveTemplateTree();

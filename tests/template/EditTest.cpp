@@ -10,27 +10,7 @@ namespace {
 
 using testsupport::TemplateTest;
 
-class EditTest : public TemplateTest {
-protected:
-    // The demo template opened as the host opens it: working version 2.
-    void open() {
-        dlg().LoadTemplate(3, 1);
-        dlg().FormActivate();
-    }
-    void chooseCommand(const std::string& code) {
-        ASSERT_TRUE(DM().tableCommands.findKey({code})) << code;
-    }
-    std::string selectedText() { return tree::NodeText(tree::Selected(tv())).toStdString(); }
-    int selectedIndex() { return tree::AbsoluteIndex(tree::Selected(tv())); }
-    // Enabled states of Add, Up, Down, Cut, Copy, Paste, Delete, OK as "1"/"0".
-    std::string buttons() {
-        std::string s;
-        for (QWidget* b : {dlg().btnAdd, dlg().btnUp, dlg().btnDown, dlg().btnCut, dlg().btnCopy,
-                           dlg().btnPaste, dlg().btnDelete, dlg().btnOK})
-            s += b->isEnabled() ? '1' : '0';
-        return s;
-    }
-};
+using EditTest = TemplateTest;
 
 } // namespace
 

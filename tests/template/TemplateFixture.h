@@ -53,6 +53,10 @@ protected:
         return select("select * from TemplateData where Template_ID = " + std::to_string(id) +
                       " order by Item");
     }
+    static std::string templateVersion(int id) {
+        return select("select Version from TemplateName where Template_ID = " + std::to_string(id))
+            .at(0);
+    }
     // Journal rows of a template: Version|Sequence|Item|Action|Value|Number, in table order.
     static std::vector<std::string> journal(int id) {
         return select("select Version, Sequence, Item, Action, Value, Number from TemplateVersion"
@@ -72,6 +76,25 @@ protected:
     }
     // Selects the node at an absolute index.
     void selectAt(int index) { tree::Select(tv(), tree::FindNodeByIndex(tv(), index)); }
+
+    // The demo template opened as the host opens it: working version 2.
+    void open() {
+        dlg().LoadTemplate(3, 1);
+        dlg().FormActivate();
+    }
+    void chooseCommand(const std::string& code) {
+        ASSERT_TRUE(DM().tableCommands.findKey({code})) << code;
+    }
+    std::string selectedText() { return tree::NodeText(tree::Selected(tv())).toStdString(); }
+    int selectedIndex() { return tree::AbsoluteIndex(tree::Selected(tv())); }
+    // Enabled states of Add, Up, Down, Cut, Copy, Paste, Delete, OK as "1"/"0".
+    std::string buttons() {
+        std::string s;
+        for (QWidget* b : {dlg().btnAdd, dlg().btnUp, dlg().btnDown, dlg().btnCut, dlg().btnCopy,
+                           dlg().btnPaste, dlg().btnDelete, dlg().btnOK})
+            s += b->isEnabled() ? '1' : '0';
+        return s;
+    }
 
     CellFixture cell;
 };
