@@ -32,10 +32,9 @@ void TdlgJob::BuildJobFromTemplate() {
     try {
         store::Transaction transaction(DM().LocalDatabase);
         try {
-            while (jobs.recordCount() > 0) {
-                jobs.first();
+            // While the job has a row, delete its first (a move, not a count, per row).
+            for (jobs.first(); jobs.hasRow(); jobs.first())
                 jobs.deleteRecord();
-            }
             for (data.first(); !data.eof(); data.next()) {
                 // A null Syntax (a section row) reads as 0 and so counts as a preset.
                 AppendJobLine(data.fieldByName(schema::Item).asInteger(),
