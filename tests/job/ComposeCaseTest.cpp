@@ -99,9 +99,13 @@ TEST_F(ComposeCaseTest, CasesComposeAsTheSyntaxRowsDo) {
 }
 
 TEST_F(ComposeCaseTest, ExecutablePrintsOneLinePerCase) {
+    // The executable sits at the top of the build tree, above the tests' folder.
     const char* binaryDir = std::getenv("QUORVEL_BINARY_DIR");
-    const std::string exe = binaryDir ? std::string(binaryDir) + "/quorvel" : "";
-    if (exe.empty() || !std::filesystem::is_regular_file(exe))
+    const std::filesystem::path buildDir =
+        binaryDir ? std::filesystem::path(binaryDir)
+                  : std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path();
+    const std::string exe = (buildDir / "quorvel").string();
+    if (!std::filesystem::is_regular_file(exe))
         GTEST_SKIP() << "the quorvel executable is not built";
 
     std::string input;
