@@ -1,0 +1,102 @@
+// NewTemplate and ModifyTemplate as the host calls them: the lowest free id, the editor shown
+// through the Ui seam, the name handed back on OK and the row removed on cancel.
+#include "boundary/Exports.h"
+#include "store/DataMod.h"
+#include "support/CellFixture.h"
+#include "template/Template.h"
+
+#include <QApplication>
+#include <gtest/gtest.h>
+
+namespace {
+
+class TemplateExportsTest : public ::testing::Test {
+protected:
+    TemplateExportsTest() : cell(true) {}
+    void SetUp() override {
+        boundary::LibraryLoad();
+        boundary::Initialize(cell.dir(), cell.dir());
+    }
+    void TearDown() override {
+        boundary::LibraryUnload();
+        EXPECT_FALSE(DlgTemplateExists());
+        EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
+    }
+    static std::vector<std::string> ids() {
+        auto q = DM().NewLocalQuery();
+        q->setSql("select Template_ID, Name, Version from TemplateName order by Template_ID");
+        q->open();
+        std::vector<std::string> out;
+        for (; !q->eof(); q->next())
+            out.push_back(q->fields(0).asString() + "|" + q->fields(1).asString() + "|" +
+                          q->fields(2).asString());
+        return out;
+    }
+    static void exec(const std::string& sql) {
+        auto q = DM().NewLocalQuery();
+        q->setSql(sql);
+        q->execSQL();
+    }
+    // The user types a name and presses OK.
+    void typeNameAndConfirm(const std::string& name) {
+        cell.ui.onModal = [name](QWidget* form) {
+            auto* editor = static_cast<TdlgTemplate*>(form);
+            editor->FormActivate();
+            editor->dbeTemplateName->setText(QString::fromStdString(name));
+            editor->btnOK->click();
+        };
+        cell.ui.modalAnswers = {common::ModalResult::Ok};
+    }
+    testsupport::CellFixture cell;
+};
+
+} // namespace
+
+TEST_F(TemplateExportsTest, NewTemplateTakesTheLowestFreeIdAndRemovesItOnCancel) {
+    ASSERT_TRUE(DlgTemplateExists()); // made at load: the test run has a QApplication
+    std::string name = "stale";
+    boundary::NewTemplate("FX-9", 2, name);
+    EXPECT_EQ(name, "");
+    EXPECT_EQ(ids(), std::vector<std::string>{"1|Demo wire-cut plate|1"});
+    ASSERT_EQ(cell.ui.calls.size(), 1u);
+    EXPECT_EQ(cell.ui.calls[0].what, "modal");
+
+    typeNameAndConfirm("Second plate");
+    boundary::NewTemplate("FX-9", 2, name);
+    EXPECT_EQ(name, "Second plate");
+    EXPECT_EQ(ids(), (std::vector<std::string>{"1|Demo wire-cut plate|1", "2|Second plate|1"}));
+    auto q = DM().NewLocalQuery();
+    q->setSql("select Fixture, \"Auto Points\" from TemplateName where Template_ID = 2");
+    q->open();
+    EXPECT_EQ(q->fields(0).asString(), "FX-9");
+    EXPECT_FALSE(q->fields(1).asBoolean());
+    q->setSql("select count(*) from TemplateData where Template_ID = 2");
+    q->open();
+    EXPECT_EQ(q->fields(0).asInteger(), 4); // Header, two workpieces, Footer
+
+    // Ids 1, 2, 4 give 3; then ids 2, 3, 4 give 1.
+    exec("insert into TemplateName values(4, 'FX', 'Four', 1, False)");
+    typeNameAndConfirm("Third");
+    boundary::NewTemplate("FX", 1, name);
+    exec("delete from TemplateName where Template_ID = 1");
+    exec("delete from TemplateData where Template_ID = 1");
+    typeNameAndConfirm("First again");
+    boundary::NewTemplate("FX", 1, name);
+    EXPECT_EQ(ids(), (std::vector<std::string>{"1|First again|1", "2|Second plate|1", "3|Third|1",
+                                               "4|Four|1"}));
+}
+
+TEST_F(TemplateExportsTest, ModifyTemplateOpensTheTemplateOrTheNearestOne) {
+    std::vector<int> nodes;
+    cell.ui.onModal = [&](QWidget* form) {
+        auto* editor = static_cast<TdlgTemplate*>(form);
+        nodes.push_back(tree::NodeCount(editor->tvwTemplate));
+        EXPECT_EQ(editor->txtPieceCount->text(), "3");
+        EXPECT_EQ(DM().tableTemplateName.fieldByName("Template_ID").asInteger(), 1);
+    };
+    boundary::ModifyTemplate(99, 3, 1);
+    boundary::ModifyTemplate(0, 3, 42); // unknown: the table stands on the nearest row
+    EXPECT_EQ(nodes, (std::vector<int>{30, 5}));
+    EXPECT_EQ(dlgTemplate().TemplateID(), 42);
+    EXPECT_EQ(dlgTemplate().Version(), 1); // no rows under 42: the skeleton
+}
