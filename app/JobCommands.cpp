@@ -6,6 +6,7 @@
 #include "common/Services.h"
 #include "job/Job.h"
 #include "store/DataMod.h"
+#include "template/Template.h"
 
 #include <QApplication>
 
@@ -91,6 +92,10 @@ int JobCommands::runBuild() {
     info.JobNumber = job_;
     info.PalletNumber = pallet_;
     form.SetWizardInfo(info);
+    // The template's tree goes into the wizard's tree view, as when the wizard opens a job.
+    dlgTemplate().LoadTemplateTree(form.tvwTemplate, templateId_);
+    if (tree::NodeCount(form.tvwTemplate) == 0)
+        throw std::runtime_error("The template is empty");
     form.TakeJobKeys();
     form.BindDataControls();
     form.FilterJobTables();

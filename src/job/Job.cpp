@@ -4,7 +4,6 @@
 #include "common/Format.h"
 #include "store/DataMod.h"
 
-#include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include <limits>
@@ -25,7 +24,7 @@ std::int16_t toInt16(std::int64_t value, const char* what) {
 TdlgJob::TdlgJob(QWidget* parent) : QDialog(parent) {
     setObjectName("dlgJob");
     setWindowTitle("Master Program Wizard");
-    tvwTemplate = new QTreeWidget(this);
+    tvwTemplate = new tree::TTreeView(this);
     tvwTemplate->setObjectName("tvwTemplate");
     tvwTemplate->setHeaderHidden(true);
     auto* layout = new QVBoxLayout(this);

@@ -8,6 +8,7 @@
 //   Job.cpp          the form, its controls and the job keys
 #include "boundary/Structs.h"
 #include "dialogs/DBControls.h"
+#include "template/TreeNodes.h"
 
 #include <QDialog>
 
@@ -15,8 +16,6 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
-
-class QTreeWidget;
 
 // A job operation that cannot go on: a number out of range, a mask that cannot be composed, a file
 // that cannot be read. The message names the value, mask or file.
@@ -90,7 +89,7 @@ public:
     void ExpandProgramToken(std::string& Value) const;
 
     // ---- Controls ----
-    QTreeWidget* tvwTemplate;
+    tree::TTreeView* tvwTemplate; // the job's tree, one node per Jobs row
     dialogs::TDBEdit* dbeValue1;
     dialogs::TDBEdit* dbeValue2;
     dialogs::TDBEdit* dbeValue3;
