@@ -238,8 +238,10 @@ void TdlgTemplate::FormActivate() {
         dbeTemplateName->setDataSource(&DM().sourceTemplateName);
         dbeTemplateName->setDataField(schema::Name);
     }
-    if (DM().tableTemplateName.state() != store::DatasetState::Edit)
-        DM().tableTemplateName.edit();
+    // Without a row there is nothing to edit; the activation after an error box would fail again.
+    auto& names = DM().tableTemplateName;
+    if (names.hasRow() && names.state() != store::DatasetState::Edit)
+        names.edit();
     UpdateButtons();
 }
 

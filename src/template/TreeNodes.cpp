@@ -332,6 +332,13 @@ TTreeView::TTreeView(QWidget* parent) : QTreeWidget(parent) {
     setDragEnabled(false);
     setAcceptDrops(true);
     setDragDropMode(QAbstractItemView::DropOnly);
+    // A selection inside a node that collapses moves up to that node, without a change signal.
+    connect(this, &QTreeWidget::itemCollapsed, this, [this](QTreeWidgetItem* node) {
+        if (isAncestor(node, currentItem())) {
+            const QSignalBlocker block(this);
+            setCurrentItem(node);
+        }
+    });
 }
 
 void TTreeView::focusInEvent(QFocusEvent* event) {

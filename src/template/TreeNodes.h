@@ -108,8 +108,9 @@ void CollapseAll(QTreeWidget* tree);
 
 // ---- The tree view control ----
 
-// A tree view that never selects a node by itself when it gets the focus, and hands drags to
-// the form's handlers: `dragOver` decides whether a drop is accepted, `dragDrop` performs it.
+// A tree view that never selects a node by itself when it gets the focus, moves a selection out of
+// a node that collapses onto that node without a change signal, and hands drags to the form's
+// handlers: `dragOver` decides whether a drop is accepted, `dragDrop` performs it.
 // Positions are in the coordinates that itemAt() takes.
 class TTreeView : public QTreeWidget {
     Q_OBJECT
