@@ -99,14 +99,8 @@ TEST_F(ComposeCaseTest, CasesComposeAsTheSyntaxRowsDo) {
 }
 
 TEST_F(ComposeCaseTest, ExecutablePrintsOneLinePerCase) {
-    // The executable sits at the top of the build tree, above the tests' folder.
-    const char* binaryDir = std::getenv("QUORVEL_BINARY_DIR");
-    const std::filesystem::path buildDir =
-        binaryDir ? std::filesystem::path(binaryDir)
-                  : std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path();
-    const std::string exe = (buildDir / "quorvel").string();
-    if (!std::filesystem::is_regular_file(exe))
-        GTEST_SKIP() << "the quorvel executable is not built";
+    const std::string exe = QUORVEL_EXE;
+    ASSERT_TRUE(std::filesystem::is_regular_file(exe)) << exe;
 
     std::string input;
     std::string expected;
