@@ -78,6 +78,12 @@ void FieldBinding::dataChanged() {
     modified_ = false;
 }
 
+void FieldBinding::fieldChanged(int fieldIndex) {
+    // Only the control of the column written follows; others keep what the user typed.
+    if (bound() && source_->dataSet() && source_->dataSet()->fieldIndex(field_) == fieldIndex)
+        dataChanged();
+}
+
 void FieldBinding::updateRecord() {
     if (!modified_ || !bound() || !source_->dataSet())
         return;

@@ -27,6 +27,7 @@ public:
     bool modified() const { return modified_; }
 
     void dataChanged() override;
+    void fieldChanged(int fieldIndex) override;
     void updateRecord() override;
 
 protected:

@@ -177,7 +177,7 @@ void Dataset::setCurrentValue(int index, Value value) {
         return;
     editRow_[i] = std::move(value);
     modified_[i] = true;
-    notifyDataChanged();
+    notifyFieldChanged(index);
 }
 
 FieldType Dataset::fieldType(int) const { return FieldType::String; }
@@ -262,6 +262,12 @@ void Dataset::notifyDataChanged() {
         source->dataChanged();
 }
 
+void Dataset::notifyFieldChanged(int index) {
+    auto sources = sources_;
+    for (auto* source : sources)
+        source->fieldChanged(index);
+}
+
 void Dataset::notifyBeforePost() {
     auto sources = sources_;
     for (auto* source : sources)
@@ -301,6 +307,12 @@ void DataSource::dataChanged() {
     auto links = links_;
     for (auto* link : links)
         link->dataChanged();
+}
+
+void DataSource::fieldChanged(int fieldIndex) {
+    auto links = links_;
+    for (auto* link : links)
+        link->fieldChanged(fieldIndex);
 }
 
 void DataSource::updateRecord() {

@@ -127,6 +127,8 @@ protected:
     // Hooks for subclasses.
     void setState(DatasetState state);
     void notifyDataChanged();
+    // One column of the current row changed (a field write in edit state).
+    void notifyFieldChanged(int index);
     void notifyBeforePost();
     // Posts or drops a pending edit before a move.
     void settlePendingEdit();
@@ -157,6 +159,11 @@ public:
     virtual ~FieldLink() = default;
     // The row or the dataset's state changed: show the current value.
     virtual void dataChanged() = 0;
+    // A column of the current row was written; links to other columns keep what they show.
+    virtual void fieldChanged(int fieldIndex) {
+        (void)fieldIndex;
+        dataChanged();
+    }
     // Before a post: write the control's text into the column if the user changed it.
     virtual void updateRecord() = 0;
 };
@@ -176,6 +183,7 @@ public:
 
     // Called by the dataset.
     void dataChanged();
+    void fieldChanged(int fieldIndex);
     void updateRecord();
 
 private:

@@ -93,6 +93,23 @@ TEST_F(DBControlsTest, KeystrokeStartsEditBeforeHandlerAndPostWritesText) {
     EXPECT_EQ(rowValue(0, "Value_1"), "");
 }
 
+TEST_F(DBControlsTest, WritingOneColumnKeepsTextTypedInAnother) {
+    dialogs::TDBEdit first;
+    first.setDataSource(&source);
+    first.setDataField("Value_1");
+    dialogs::TDBEdit second;
+    second.setDataSource(&source);
+    second.setDataField("Value_2");
+    first.end(false);
+    QTest::keyClicks(&first, "7");
+    table.fieldByName("Value_2").setAsString("code");
+    EXPECT_EQ(second.text(), "code"); // the written column shows at once
+    EXPECT_EQ(first.text(), "a7");    // the typed text stays
+    table.post();
+    EXPECT_EQ(rowValue(0, "Value_1"), "a7");
+    EXPECT_EQ(rowValue(0, "Value_2"), "code");
+}
+
 TEST_F(DBControlsTest, UpperCaseControlsConvertEverything) {
     dialogs::TDBMemo memo;
     memo.setUpperCase(true);
