@@ -5,6 +5,7 @@
 //   JobFiles.cpp     backup copy and program number of a chosen file
 //   JobDefaults.cpp  global and local default syntaxes and values
 //   JobBuild.cpp     job rows from the template rows
+//   JobUpdate.cpp    the template's journal replayed on the job's lines
 //   Job.cpp          the form, its controls and the job keys
 #include "boundary/Structs.h"
 #include "dialogs/DBControls.h"
@@ -14,6 +15,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -23,6 +25,10 @@ class JobError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+namespace job {
+class JobLineReplay;
+}
 
 class TdlgJob : public QDialog {
     Q_OBJECT
@@ -88,6 +94,21 @@ public:
     // Replaces the first "[Pn]" token by the pallet number with n digits (3 when n is no digit).
     void ExpandProgramToken(std::string& Value) const;
 
+    // ---- Update ----
+    // Replays the journal rows newer than the job's version on the job's lines, then writes the
+    // version of the last row applied into line 0. One transaction: a failure (an unknown line, a
+    // "MOV" whose target is no number) leaves the job as it was.
+    void UpdateJobFromJournal(int JobVersion);
+    // Writes one column of line 0; the value goes into the statement as it stands.
+    void SetJobHeaderValue(const std::string& Column, const std::string& Value);
+    // Opens a gap at the line and adds a line with the default syntax and values there.
+    void InsertJobLine(int LineNumber, const std::string& Code, int NodeLevel);
+    // Deletes Count lines from the line on, closing the gap; stops after the last line.
+    void DeleteJobLines(int LineNumber, int Count);
+    // Moves Count lines from FromLine so that the first stands at ToLine; the lines keep their
+    // columns.
+    void MoveJobLines(int FromLine, int ToLine, int Count);
+
     // ---- Controls ----
     tree::TTreeView* tvwTemplate; // the job's tree, one node per Jobs row
     dialogs::TDBEdit* dbeValue1;
@@ -107,6 +128,9 @@ private:
     dialogs::TDBEdit* ValueEdit(int Number) const;
     // Puts tableJobs in edit mode, sets Script_Line, posts.
     void StoreScriptLine(const std::string& Line);
+    // Runs line changes on the job and writes them back, then `afterWrite`, in one transaction.
+    void RunLineChanges(const std::function<void(job::JobLineReplay&)>& changes,
+                        const std::function<void()>& afterWrite = {});
     void AppendSectionLine(int LineNumber, const std::string& Code, int NodeLevel, int State);
 
     TJobWizardInfo FInfo;

@@ -1,0 +1,117 @@
+// The job follows its template through the journal: lines added, deleted and moved, the operator's
+// values kept, the version noted in line 0, and nothing half done on a bad journal row.
+#include "JobFixture.h"
+#include "store/StoreError.h"
+
+namespace {
+
+class UpdateTest : public jobtest::JobFixture {
+protected:
+    void SetUp() override {
+        JobFixture::SetUp();
+        build();
+        // The operator's work: a mark in Value_6 of every line.
+        exec("update Jobs set Value_6 = 'op' || Line_Number where Pallet_Number = 7");
+        DM().tableJobs.first();
+    }
+    static void exec(const std::string& sql) {
+        auto q = DM().NewLocalQuery();
+        q->setSql(sql);
+        q->execSQL();
+    }
+    static void journal(int version, int item, const std::string& action, const std::string& value,
+                        int number) {
+        exec("insert into TemplateVersion values (1, " + std::to_string(version) + ", 0, " +
+             std::to_string(item) + ", '" + action + "', '" + value + "', " +
+             std::to_string(number) + ")");
+    }
+    // Line numbers, codes and operator marks of the job, "line:code:mark".
+    std::vector<std::string> lines() {
+        auto q = DM().NewLocalQuery();
+        q->setSql("select Line_Number, Code, Value_6 from Jobs where Pallet_Number = 7 and "
+                  "Job_Number = 1 order by Line_Number");
+        q->open();
+        std::vector<std::string> out;
+        for (; !q->eof(); q->next())
+            out.push_back(q->fields(0).asString() + ":" + q->fields(1).asString() + ":" +
+                          q->fields(2).asString());
+        return out;
+    }
+};
+
+// A line without its number: "code:mark".
+std::string tail(const std::string& line) { return line.substr(line.find(':') + 1); }
+
+} // namespace
+
+TEST_F(UpdateTest, ReplaysNewerRowsAndKeepsOperatorValues) {
+    const auto before = lines();
+    ASSERT_EQ(before.size(), 30u);
+    journal(1, 3, "DEL", "", 5);    // as old as the job: not replayed
+    journal(2, 9, "ADD", "G00", 1); // a new line at 9
+    journal(2, 12, "DEL", "", 2);   // old lines 11 and 12 (now 12 and 13)
+    journal(3, 5, "MOV", "1", 2);   // old lines 5 and 6 to the front of the header
+    journal(3, 20, "XYZ", "", 1);   // unknown: passed over
+    form->UpdateJobFromJournal(1);
+
+    auto after = lines();
+    ASSERT_EQ(after.size(), 29u);
+    EXPECT_EQ(after[1], "1:" + tail(before[5])); // moved, mark kept
+    EXPECT_EQ(after[2], "2:" + tail(before[6]));
+    EXPECT_EQ(after[3], "3:" + tail(before[1]));
+    EXPECT_EQ(after[9], "9:G00:"); // the added line, no operator value
+    EXPECT_EQ(after[10], "10:" + tail(before[9]));
+    EXPECT_EQ(after[11], "11:" + tail(before[10]));
+    EXPECT_EQ(after[12], "12:" + tail(before[13])); // 11 and 12 are gone
+    EXPECT_EQ(jobField(0, "Value_2"), "3");
+    // The added line is made with its defaults and composed.
+    EXPECT_EQ(jobField(9, "Script_Line"), "G00 X+0.000 Y+0.000");
+    EXPECT_EQ(jobField(9, "Image"), "1");
+    EXPECT_EQ(jobField(9, "Syntax_Item"), "1");
+    // Moved lines keep their composed text and status.
+    EXPECT_EQ(jobField(1, "Script_Line"), "#510=0.125");
+}
+
+TEST_F(UpdateTest, BadRowLeavesJobAsItWasAndNoRowsKeepsVersion) {
+    const auto before = lines();
+    journal(2, 9, "ADD", "G00", 1);
+    journal(2, 3, "MOV", "two", 1);
+    try {
+        form->UpdateJobFromJournal(1);
+        FAIL() << "expected an error";
+    } catch (const JobError& e) {
+        EXPECT_NE(std::string(e.what()).find("'two'"), std::string::npos) << e.what();
+    }
+    EXPECT_EQ(lines(), before);
+    EXPECT_EQ(jobField(0, "Value_2"), "1");
+    // The next opening tries again on the unchanged rows.
+    exec("update TemplateVersion set Value = '2' where Action = 'MOV'");
+    form->UpdateJobFromJournal(1);
+    EXPECT_EQ(lines().size(), 31u);
+    EXPECT_EQ(jobField(0, "Value_2"), "2");
+    // Nothing newer than the job: nothing moves and the version stays the job's own.
+    exec("update TemplateName set Version = 5");
+    form->UpdateJobFromJournal(2);
+    EXPECT_EQ(lines().size(), 31u);
+    EXPECT_EQ(jobField(0, "Value_2"), "2");
+    // A quote in a header value breaks the statement.
+    EXPECT_THROW(form->SetJobHeaderValue("Path", "C:\\it's.NC"), store::StoreError);
+    form->SetJobHeaderValue("Path", "/cell/O0007.NC");
+    EXPECT_EQ(jobField(0, "Path"), "/cell/O0007.NC");
+}
+
+TEST_F(UpdateTest, SingleLineOperationsAndTheirEdges) {
+    form->InsertJobLine(30, "G04", 1);                  // at the end
+    EXPECT_EQ(jobField(30, "Script_Line"), "G04 X2.5"); // the local default value
+    form->MoveJobLines(29, 29, 1);                      // onto its own place
+    EXPECT_EQ(jobField(29, "Value_6"), "op29");
+    form->DeleteJobLines(30, 4); // the last line: stops there
+    EXPECT_EQ(lines().size(), 30u);
+    EXPECT_THROW(form->InsertJobLine(0, "G04", 1), store::StoreError);
+    EXPECT_EQ(lines().size(), 30u);
+    // A block moves down as one, in order.
+    form->MoveJobLines(9, 20, 2);
+    EXPECT_EQ(jobField(20, "Value_6"), "op9");
+    EXPECT_EQ(jobField(21, "Value_6"), "op10");
+    EXPECT_EQ(jobField(9, "Value_6"), "op11");
+}
