@@ -1,0 +1,216 @@
+// The whole loop on random edit sessions: build a job, edit its template in the editor, confirm,
+// bring the job up to date, and check every line against a plain model of the journal's rules.
+#include "job/Job.h"
+#include "store/DataMod.h"
+#include "support/CellFixture.h"
+#include "template/Template.h"
+
+#include <QApplication>
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+// A job line as the model sees it: its code, level and the operator's mark (empty on a new line).
+struct ModelLine {
+    std::string code;
+    int level = 0;
+    std::string mark;
+    bool operator==(const ModelLine&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const ModelLine& line) {
+    return out << line.code << "/" << line.level << "/" << line.mark;
+}
+
+std::vector<std::vector<std::string>> rows(const std::string& sql) {
+    auto q = DM().NewLocalQuery();
+    q->setSql(sql);
+    q->open();
+    std::vector<std::vector<std::string>> out;
+    for (; !q->eof(); q->next()) {
+        std::vector<std::string> row;
+        for (int i = 0; i < q->fieldCount(); ++i)
+            row.push_back(q->fields(i).asString());
+        out.push_back(row);
+    }
+    return out;
+}
+
+std::vector<ModelLine> jobLines() {
+    std::vector<ModelLine> lines;
+    for (auto& r : rows("select Code, Node_Level, Path from Jobs where Pallet_Number = 7 and "
+                        "Job_Number = 1 order by Line_Number"))
+        lines.push_back({r[0], std::stoi(r[1]), r[2]});
+    return lines;
+}
+
+// The journal's rules on a plain list: ADD inserts a line, DEL removes a block, MOV takes a block
+// out and puts it back so that its first line stands at the target.
+void applyJournal(std::vector<ModelLine>& lines) {
+    for (auto& r : rows("select Item, Action, Value, Number from TemplateVersion where "
+                        "Template_ID = 1 and Version = 2 order by Sequence, rowid")) {
+        const auto item = static_cast<std::size_t>(std::stoi(r[0]));
+        const int number = std::stoi(r[3]);
+        if (r[1] == "ADD") {
+            lines.insert(lines.begin() + static_cast<long>(std::min(item, lines.size())),
+                         ModelLine{r[2], number, ""});
+        } else if (r[1] == "DEL") {
+            lines.erase(lines.begin() + static_cast<long>(item),
+                        lines.begin() + static_cast<long>(item) + number);
+        } else {
+            std::vector<ModelLine> block(lines.begin() + static_cast<long>(item),
+                                         lines.begin() + static_cast<long>(item) + number);
+            lines.erase(lines.begin() + static_cast<long>(item),
+                        lines.begin() + static_cast<long>(item) + number);
+            lines.insert(lines.begin() + std::stoi(r[2]), block.begin(), block.end());
+        }
+    }
+}
+
+class EditSession {
+public:
+    explicit EditSession(unsigned seed) : random_(seed) {
+        CreateDM();
+        DM().OpenStore(cell_.dir(), cell_.dir(), 0, 0);
+        CreateDlgTemplate();
+    }
+    ~EditSession() {
+        form_.reset();
+        FreeDlgTemplate();
+        FreeDM();
+    }
+
+    void buildJob() {
+        DM().PositionTemplate(1);
+        form_ = std::make_unique<TdlgJob>();
+        TJobWizardInfo info;
+        info.TemplateID = 1;
+        info.JobNumber = 1;
+        info.PalletNumber = "7";
+        form_->SetWizardInfo(info);
+        form_->TakeJobKeys();
+        form_->BindDataControls();
+        form_->FilterJobTables();
+        form_->BuildJobFromTemplate();
+        // The operator's work, one mark per line in a column the build leaves empty.
+        auto q = DM().NewLocalQuery();
+        q->setSql("update Jobs set Path = 'op' || Line_Number");
+        q->execSQL();
+        DM().tableJobs.first();
+    }
+
+    // Random edits: first moves, deletes and clipboard work (journal rows of sequence 0), then
+    // adds (numbered rows), so that the journal's order is the order of the edits.
+    void edit(int changes, int adds, bool clipboard) {
+        auto& dlg = dlgTemplate();
+        dlg.LoadTemplate(3, 1);
+        dlg.FormActivate();
+        for (int n = 0; n < changes; ++n) {
+            select(pickNode(false));
+            switch (random_() % (clipboard ? 5 : 3)) {
+            case 0:
+                if (dlg.btnDelete->isEnabled())
+                    dlg.btnDeleteClick();
+                break;
+            case 1:
+                if (dlg.btnUp->isEnabled())
+                    dlg.btnUpClick();
+                break;
+            case 2:
+                if (dlg.btnDown->isEnabled())
+                    dlg.btnDownClick(dlg.btnDown);
+                break;
+            case 3:
+                if (dlg.btnCut->isEnabled()) {
+                    dlg.btnCutClick();
+                    paste();
+                }
+                break;
+            default:
+                select(pickNode(true));
+                if (dlg.btnCopy->isEnabled()) {
+                    dlg.btnCopyClick();
+                    paste();
+                }
+                break;
+            }
+        }
+        static const char* codes[] = {"G00", "G04", "M98", "COMMENT", "VAR", "WIRE", "FLUSH"};
+        for (int n = 0; n < adds; ++n) {
+            select(pickNode(true));
+            DM().tableCommands.findKey({codes[random_() % 7]});
+            if (dlg.btnAdd->isEnabled())
+                dlg.btnAddClick();
+        }
+        dlg.btnOKClick();
+    }
+
+    void update() {
+        DM().PositionTemplate(1);
+        form_->FilterJobTables();
+        form_->UpdateJobFromJournal(1);
+    }
+
+    bool pasted() const { return pasted_; }
+
+private:
+    int pickNode(bool sectionsToo) {
+        auto* tv = dlgTemplate().tvwTemplate;
+        std::vector<int> candidates;
+        for (int i = 0; i < tree::NodeCount(tv); ++i)
+            if (sectionsToo || tree::NodeLevel(tree::FindNodeByIndex(tv, i)) > 0)
+                candidates.push_back(i);
+        return candidates[random_() % candidates.size()];
+    }
+    void select(int index) {
+        auto* tv = dlgTemplate().tvwTemplate;
+        tree::Select(tv, tree::FindNodeByIndex(tv, index));
+    }
+    void paste() {
+        select(pickNode(true));
+        if (dlgTemplate().btnPaste->isEnabled()) {
+            dlgTemplate().btnPasteClick();
+            pasted_ = true;
+        }
+    }
+
+    testsupport::CellFixture cell_{true};
+    std::mt19937 random_;
+    std::unique_ptr<TdlgJob> form_;
+    bool pasted_ = false;
+};
+
+} // namespace
+
+TEST(EditSessions, JobFollowsTheJournalAndKeepsOperatorValues) {
+    int withoutPaste = 0;
+    std::size_t journalRows = 0;
+    for (unsigned seed = 1; seed <= 60; ++seed) {
+        EditSession session(seed);
+        session.buildJob();
+        std::vector<ModelLine> model = jobLines();
+        ASSERT_EQ(model.size(), 30u);
+        session.edit(6 + static_cast<int>(seed % 7), static_cast<int>(seed % 4), seed % 3 != 0);
+        journalRows += rows("select * from TemplateVersion").size();
+        applyJournal(model);
+        session.update();
+        ASSERT_EQ(jobLines(), model) << "seed " << seed;
+        // Line 0 notes the version; new lines start incomplete, kept ones keep their status.
+        EXPECT_EQ(rows("select Value_2 from Jobs where Line_Number = 0")[0][0], "2");
+        for (auto& r : rows("select Image from Jobs where Path is null"))
+            EXPECT_EQ(r[0], "1") << "seed " << seed;
+        // Without pastes, whose rows carry offset positions, the job's lines are the tree's nodes.
+        if (!session.pasted()) {
+            ++withoutPaste;
+            EXPECT_EQ(rows("select Code, Node_Level from Jobs order by Line_Number"),
+                      rows("select Code, Node_Level from TemplateData where Template_ID = 1 "
+                           "order by Item"))
+                << "seed " << seed;
+        }
+    }
+    EXPECT_GE(withoutPaste, 20);
+    EXPECT_GT(journalRows, 400u);
+    EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
+}
