@@ -1,4 +1,5 @@
 // Job build from a template of 10,000 nodes, and the composer on 100,000 lines of mixed masks.
+#include "BenchSupport.h"
 #include "common/Scripted.h"
 #include "common/Services.h"
 #include "job/Job.h"
@@ -18,15 +19,7 @@ namespace {
 constexpr int TemplateNodes = 10000;
 constexpr int ComposedLines = 100000;
 
-QApplication& application() {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "quorvel_bench";
-    static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
-    return app;
-}
+QApplication& application() { return benchApplication(); }
 
 // The demo cell with template 2 of `nodes` nodes: a header, then workpiece sections of presets,
 // defaults and sub-items, and a footer.
