@@ -1,5 +1,7 @@
 #include "Console.h"
 
+#include <QCoreApplication>
+
 #include <iostream>
 
 namespace app {
@@ -17,5 +19,14 @@ bool ConsoleUi::openFile(const common::FileDialogRequest&, std::string&) { retur
 bool ConsoleUi::saveFile(const common::FileDialogRequest&, std::string&) { return false; }
 
 common::ModalResult ConsoleUi::showModal(QWidget*) { return common::ModalResult::Cancel; }
+
+} // namespace app
+
+namespace app {
+
+void ConsoleHost::processMessages() {
+    if (QCoreApplication::instance())
+        QCoreApplication::processEvents();
+}
 
 } // namespace app

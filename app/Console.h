@@ -20,7 +20,7 @@ public:
 class ConsoleHost : public common::HostApplication {
 public:
     void terminate() override { terminated = true; }
-    void processMessages() override {}
+    void processMessages() override;
     bool terminated = false;
 };
 

@@ -1,5 +1,7 @@
 #include "JobCommands.h"
 
+#include "CellSession.h"
+
 #include "Console.h"
 #include "boundary/Exports.h"
 #include "common/Convert.h"
@@ -27,28 +29,6 @@ std::unique_ptr<QApplication> headlessApplication() {
     static char* argv[] = {name, nullptr};
     return std::make_unique<QApplication>(argc, argv);
 }
-
-// The module loaded against a cell with console services, as a host loads it.
-class CellSession {
-public:
-    explicit CellSession(const std::string& cellDir)
-        : services_(common::Services{&ui_, nullptr, &host_}) {
-        if (!std::filesystem::is_regular_file(std::filesystem::path(cellDir) / "ZEL.db"))
-            throw std::runtime_error("no cell in " + cellDir + " (run `quorvel init` first)");
-        boundary::LibraryLoad();
-        boundary::Initialize(cellDir, cellDir);
-        if (host_.terminated)
-            throw std::runtime_error("the cell in " + cellDir + " is incomplete");
-    }
-    ~CellSession() { boundary::LibraryUnload(); }
-    CellSession(const CellSession&) = delete;
-    CellSession& operator=(const CellSession&) = delete;
-
-private:
-    ConsoleUi ui_;
-    ConsoleHost host_;
-    common::ScopedServices services_;
-};
 
 } // namespace
 

@@ -1,6 +1,7 @@
 // quorvel: the stand-alone host of the FANUC Robocut machine module.
 #include "Commands.h"
 #include "JobCommands.h"
+#include "TemplateCommands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -25,6 +26,7 @@ int main(int argc, char** argv) {
     templates->add_option("--fixture", fixture, "Only the templates of this fixture");
 
     app::JobCommands jobCommands(cli, cellDir);
+    app::TemplateCommands templateCommands(cli, cellDir);
 
     CLI11_PARSE(cli, argc, argv);
     try {
@@ -33,6 +35,8 @@ int main(int argc, char** argv) {
         if (*templates)
             return app::runTemplates(cellDir, fixture, templates->count("--fixture") > 0);
         if (auto code = jobCommands.run())
+            return *code;
+        if (auto code = templateCommands.run(argc, argv))
             return *code;
     } catch (const std::exception& e) {
         std::cerr << "quorvel: " << e.what() << '\n';

@@ -18,7 +18,8 @@ struct Run {
 
 Run quorvel(const std::string& arguments) {
     Run run;
-    const std::string command = std::string(QUORVEL_EXE) + " " + arguments + " 2>&1";
+    const std::string command =
+        "QT_QPA_PLATFORM=offscreen " + std::string(QUORVEL_EXE) + " " + arguments + " 2>&1";
     FILE* pipe = popen(command.c_str(), "r");
     if (!pipe)
         return run;
@@ -74,4 +75,25 @@ TEST(QuorvelCli, BadInputGivesMessagesAndFailure) {
     EXPECT_NE(run.output.find("Quorvel.db"), std::string::npos) << run.output;
     run = quorvel("templates --cell '" + dir.str() + "/c' --fixture \"it's\"");
     EXPECT_NE(run.exitCode, 0);
+}
+
+TEST(QuorvelCli, TemplateEditorCommandsForScripts) {
+    testsupport::TempDir dir;
+    const std::string cell = "--cell '" + dir.str() + "'";
+    ASSERT_EQ(quorvel("init " + cell).exitCode, 0);
+    auto run = quorvel("template new " + cell +
+                       " --fixture FX-200 --workpieces 2 --name 'Two up' --accept");
+    ASSERT_EQ(run.exitCode, 0) << run.output;
+    EXPECT_NE(run.output.find("Created template Two up"), std::string::npos) << run.output;
+    run = quorvel("templates " + cell + " --fixture FX-200");
+    EXPECT_EQ(run.output, "0\t(New)\n2\tTwo up\n");
+    run = quorvel("template modify " + cell + " --id 2 --name Renamed --accept");
+    EXPECT_EQ(run.exitCode, 0) << run.output;
+    run = quorvel("templates " + cell + " --fixture FX-200");
+    EXPECT_EQ(run.output, "0\t(New)\n2\tRenamed\n");
+    run = quorvel("template modify " + cell + " --id 9 --accept");
+    EXPECT_NE(run.exitCode, 0);
+    EXPECT_NE(run.output.find("no template with id 9"), std::string::npos) << run.output;
+    run = quorvel("template new " + cell + " --workpieces 2");
+    EXPECT_NE(run.exitCode, 0); // the fixture is required
 }

@@ -1,0 +1,29 @@
+#include "CellSession.h"
+
+#include "boundary/Exports.h"
+
+#include <filesystem>
+#include <stdexcept>
+
+namespace app {
+
+CellSession::CellSession(const std::string& cellDir, common::Ui* ui)
+    : services_(common::Services{ui ? ui : &consoleUi_, nullptr, &host_}) {
+    if (!std::filesystem::is_regular_file(std::filesystem::path(cellDir) / "ZEL.db"))
+        throw std::runtime_error("no cell in " + cellDir + " (run `quorvel init` first)");
+    boundary::LibraryLoad();
+    try {
+        boundary::Initialize(cellDir, cellDir);
+    } catch (...) {
+        boundary::LibraryUnload();
+        throw;
+    }
+    if (host_.terminated) {
+        boundary::LibraryUnload();
+        throw std::runtime_error("the cell in " + cellDir + " is incomplete");
+    }
+}
+
+CellSession::~CellSession() { boundary::LibraryUnload(); }
+
+} // namespace app
