@@ -3,6 +3,9 @@
 
 #include "boundary/Exports.h"
 #include "common/Services.h"
+#include "dialogs/QtServices.h"
+
+#include <QApplication>
 
 #include <cstdio>
 #include <cstring>
@@ -43,24 +46,45 @@ template <typename F> int32_t guarded(F&& f) {
     return -1;
 }
 
-// The user interface of a host without windows: messages through the host's callback, or to
-// standard error; file dialogs and forms are not available.
+// Whether the host runs a Qt widget application, so that the module's windows can show.
+bool hostHasWindows() {
+    return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
+}
+
+// The user interface as the host offers it: messages through the host's callback when it gives
+// one; otherwise the module's own message boxes and forms when the host runs a Qt application;
+// otherwise messages on standard error with the default answer, and no forms.
 class CallbackUi : public common::Ui {
 public:
     common::ModalResult message(common::MessageKind kind, const std::string& message,
-                                common::MessageButtons buttons, const std::string&) override {
+                                common::MessageButtons buttons,
+                                const std::string& caption) override {
         if (callbacks.message)
             return static_cast<common::ModalResult>(
                 callbacks.message(callbacks.context, static_cast<int32_t>(kind), message.c_str(),
                                   static_cast<int32_t>(buttons)));
+        if (hostHasWindows())
+            return qt_.message(kind, message, buttons, caption);
         std::fprintf(stderr, "%s\n", message.c_str());
         return buttons == common::MessageButtons::Ok ? common::ModalResult::Ok
                                                      : common::ModalResult::Yes;
     }
-    bool openFile(const common::FileDialogRequest&, std::string&) override { return false; }
-    bool saveFile(const common::FileDialogRequest&, std::string&) override { return false; }
-    common::ModalResult showModal(QWidget*) override { return common::ModalResult::Cancel; }
-    void beep() override {}
+    bool openFile(const common::FileDialogRequest& request, std::string& fileName) override {
+        return hostHasWindows() && qt_.openFile(request, fileName);
+    }
+    bool saveFile(const common::FileDialogRequest& request, std::string& fileName) override {
+        return hostHasWindows() && qt_.saveFile(request, fileName);
+    }
+    common::ModalResult showModal(QWidget* form) override {
+        return hostHasWindows() ? qt_.showModal(form) : common::ModalResult::Cancel;
+    }
+    void beep() override {
+        if (hostHasWindows())
+            qt_.beep();
+    }
+
+private:
+    dialogs::QtUi qt_;
 };
 
 class CallbackHost : public common::HostApplication {

@@ -305,6 +305,10 @@ bool CreateDlgTemplate() {
 }
 
 void FreeDlgTemplate() {
+    // Widgets cannot be destroyed once the application object is gone (a host that ended its
+    // QApplication before unloading the library): the form is then left to the process's end.
+    if (!QCoreApplication::instance())
+        (void)instance().release();
     instance().reset();
     if (DMExists())
         DM().SelectTemplate = nullptr;
