@@ -107,6 +107,23 @@ bool FieldBinding::beginEdit() {
     return true;
 }
 
+void FieldBinding::keyPress(QKeyEvent* event, bool editing, bool upper,
+                            const std::function<void(QKeyEvent*)>& control) {
+    if (editing && !beginEdit()) {
+        event->ignore();
+        return;
+    }
+    if (upper && !event->text().isEmpty() && upperAscii(event->text()) != event->text()) {
+        // Typed letters arrive upper-cased, so the change handlers see the final text once.
+        QKeyEvent upperEvent(event->type(), event->key(), event->modifiers(),
+                             upperAscii(event->text()), event->isAutoRepeat(),
+                             static_cast<ushort>(event->count()));
+        control(&upperEvent);
+        return;
+    }
+    control(event);
+}
+
 void FieldBinding::noteTextChanged() {
     if (showing_ || !bound() || !source_->dataSet())
         return;
@@ -130,20 +147,8 @@ void TDBEdit::setUpperCase(bool upper) {
 void TDBEdit::setText(const QString& text) { QLineEdit::setText(upper_ ? upperAscii(text) : text); }
 
 void TDBEdit::keyPressEvent(QKeyEvent* event) {
-    if (changesText(event) && !isReadOnly()) {
-        if (!beginEdit()) {
-            event->ignore();
-            return;
-        }
-    }
-    if (upper_ && !event->text().isEmpty() && upperAscii(event->text()) != event->text()) {
-        // Typed letters arrive upper-cased, so the change handlers see the final text once.
-        QKeyEvent upper(event->type(), event->key(), event->modifiers(), upperAscii(event->text()),
-                        event->isAutoRepeat(), static_cast<ushort>(event->count()));
-        QLineEdit::keyPressEvent(&upper);
-        return;
-    }
-    QLineEdit::keyPressEvent(event);
+    keyPress(event, changesText(event) && !isReadOnly(), upper_,
+             [this](QKeyEvent* e) { QLineEdit::keyPressEvent(e); });
 }
 
 void TDBEdit::focusOutEvent(QFocusEvent* event) {
@@ -174,20 +179,9 @@ void TDBMemo::setText(const QString& text) {
 }
 
 void TDBMemo::keyPressEvent(QKeyEvent* event) {
-    if ((changesText(event) || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
-        !isReadOnly()) {
-        if (!beginEdit()) {
-            event->ignore();
-            return;
-        }
-    }
-    if (upper_ && !event->text().isEmpty() && upperAscii(event->text()) != event->text()) {
-        QKeyEvent upper(event->type(), event->key(), event->modifiers(), upperAscii(event->text()),
-                        event->isAutoRepeat(), static_cast<ushort>(event->count()));
-        QPlainTextEdit::keyPressEvent(&upper);
-        return;
-    }
-    QPlainTextEdit::keyPressEvent(event);
+    const bool newLine = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    keyPress(event, (changesText(event) || newLine) && !isReadOnly(), upper_,
+             [this](QKeyEvent* e) { QPlainTextEdit::keyPressEvent(e); });
 }
 
 void TDBMemo::focusOutEvent(QFocusEvent* event) {

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
+#include <functional>
 #include <string>
 
 namespace dialogs {
@@ -33,6 +34,11 @@ public:
 protected:
     // Puts the dataset into edit state; true when the control may be edited.
     bool beginEdit();
+    // A key for the control: starts the edit first when `editing` (a key that changes the text),
+    // refuses it when there is no row, upper-cases typed letters when `upper`, then hands it to
+    // the control's own handling.
+    void keyPress(QKeyEvent* event, bool editing, bool upper,
+                  const std::function<void(QKeyEvent*)>& control);
     // Called when the text changed; marks the control modified unless the row set it.
     void noteTextChanged();
     virtual std::string controlText() const = 0;
