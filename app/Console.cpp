@@ -1,6 +1,10 @@
 #include "Console.h"
 
 #include <QCoreApplication>
+#include <QDir>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <iostream>
 
@@ -27,6 +31,19 @@ namespace app {
 void ConsoleHost::processMessages() {
     if (QCoreApplication::instance())
         QCoreApplication::processEvents();
+}
+
+} // namespace app
+
+namespace app {
+
+void prepareQtEnvironment() {
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
+        return;
+    const QString dir = QDir::tempPath() + "/quorvel-runtime-" + QString::number(getuid());
+    QDir().mkpath(dir);
+    chmod(dir.toLocal8Bit().constData(), 0700);
+    qputenv("XDG_RUNTIME_DIR", dir.toLocal8Bit());
 }
 
 } // namespace app

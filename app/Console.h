@@ -6,6 +6,10 @@
 
 namespace app {
 
+// Gives Qt a private runtime directory when the session has none, so that windows and offscreen
+// widgets start without a warning on standard error.
+void prepareQtEnvironment();
+
 class ConsoleUi : public common::Ui {
 public:
     common::ModalResult message(common::MessageKind kind, const std::string& text,

@@ -22,6 +22,7 @@ namespace {
 
 // Widgets without a display: the offscreen platform unless one is chosen.
 std::unique_ptr<QApplication> headlessApplication() {
+    prepareQtEnvironment();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     static int argc = 1;

@@ -1,6 +1,7 @@
 #include "TemplateCommands.h"
 
 #include "CellSession.h"
+#include "Console.h"
 #include "boundary/Exports.h"
 #include "dialogs/QtServices.h"
 #include "store/DataMod.h"
@@ -40,6 +41,7 @@ TemplateCommands::TemplateCommands(CLI::App& cli, std::string& cellDir) : cellDi
 std::optional<int> TemplateCommands::run(int argc, char** argv) {
     if (!*template_)
         return std::nullopt;
+    prepareQtEnvironment();
     QApplication application(argc, argv);
     dialogs::QtUi ui;
     CellSession session(cellDir_, &ui);
