@@ -1,6 +1,7 @@
 #include "template/Template.h"
 
 #include "common/Services.h"
+#include "template/CopyTemplate.h"
 #include "store/DataMod.h"
 
 #include <QApplication>
@@ -54,6 +55,7 @@ TdlgTemplate::TdlgTemplate(QWidget* parent) : QDialog(parent) {
     setWindowTitle("Fixture Template Definition");
     buildControls();
     connectHandlers();
+    CreateCopyTemplateDialog = NewCopyTemplateDialog;
     // FormCreate: the start values stand in the member initialisers; the lists start empty.
 }
 
