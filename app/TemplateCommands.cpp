@@ -5,6 +5,7 @@
 #include "boundary/Exports.h"
 #include "dialogs/QtServices.h"
 #include "store/DataMod.h"
+#include "template/DeleteTemplate.h"
 #include "template/Template.h"
 
 #include <QApplication>
@@ -13,6 +14,15 @@
 #include <iostream>
 
 namespace app {
+
+namespace {
+int countTemplates() {
+    auto query = DM().NewLocalQuery();
+    query->setSql("select count(*) from TemplateName");
+    query->open();
+    return query->fields(0).asInteger();
+}
+} // namespace
 
 TemplateCommands::TemplateCommands(CLI::App& cli, std::string& cellDir) : cellDir_(cellDir) {
     template_ = cli.add_subcommand("template", "Open the template editor in a window");
@@ -30,6 +40,10 @@ TemplateCommands::TemplateCommands(CLI::App& cli, std::string& cellDir) : cellDi
     modify_->add_option("--workpieces", workpieces_, "Number of workpieces shown")
         ->check(CLI::Range(1, 100))
         ->capture_default_str();
+
+    delete_ = template_->add_subcommand("delete", "Delete templates that no job uses");
+    delete_->add_option("--cell", cellDir_, "Cell directory")->capture_default_str();
+    delete_->add_flag("--close", close_, "Close the dialog as soon as it shows (for scripts)");
 
     for (auto* sub : {new_, modify_}) {
         sub->add_option("--cell", cellDir_, "Cell directory")->capture_default_str();
@@ -57,6 +71,18 @@ std::optional<int> TemplateCommands::run(int argc, char** argv) {
             if (accept_)
                 editor.btnOK->click();
         });
+    }
+    if (*delete_) {
+        if (close_) {
+            QTimer::singleShot(0, [] {
+                if (auto* dialog =
+                        qobject_cast<TdlgDeleteTemplate*>(QApplication::activeModalWidget()))
+                    dialog->btnExit->click();
+            });
+        }
+        boundary::DeleteTemplate();
+        std::cout << "Templates left: " << countTemplates() << '\n';
+        return 0;
     }
     if (*new_) {
         std::string name;

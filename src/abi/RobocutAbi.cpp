@@ -231,4 +231,11 @@ int32_t ModifyTemplate(int32_t reserved, int32_t workpieces, int32_t templateId)
     });
 }
 
+int32_t DeleteTemplate(void) {
+    return guarded([&] {
+        boundary::DeleteTemplate();
+        return 0;
+    });
+}
+
 } // extern "C"

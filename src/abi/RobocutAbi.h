@@ -107,6 +107,9 @@ RC_API int32_t DeleteJob(const char* palletNumber, const char* jobNumber);
  * length, 0 when the editor was cancelled (the new template is removed again then). */
 RC_API int32_t NewTemplate(const char* fixture, int32_t workpieces, char* name, int32_t size);
 RC_API int32_t ModifyTemplate(int32_t reserved, int32_t workpieces, int32_t templateId);
+/* The "Delete Template" dialog, shown until it is closed: 0, or -1 (no QApplication, or a store
+ * error) with the reason in RcLastError(). */
+RC_API int32_t DeleteTemplate(void);
 
 #ifdef __cplusplus
 }

@@ -4,6 +4,7 @@
 #include "common/Format.h"
 #include "common/Services.h"
 #include "store/DataMod.h"
+#include "template/DeleteTemplate.h"
 #include "template/Template.h"
 
 #include <filesystem>
@@ -134,5 +135,7 @@ void ModifyTemplate(std::int32_t, std::int32_t workpieces, std::int32_t template
     form.LoadTemplate(workpieces, templateId);
     common::ui().showModal(&form);
 }
+
+void DeleteTemplate() { ShowDeleteTemplateDialog(); }
 
 } // namespace boundary

@@ -39,5 +39,8 @@ void DeleteJob(const std::string& palletNumber, const std::string& jobNumber);
 void NewTemplate(const std::string& fixture, std::int32_t workpieces, std::string& name);
 // Opens the template editor on a template; the first value is ignored and the id is not checked.
 void ModifyTemplate(std::int32_t reserved, std::int32_t workpieces, std::int32_t templateId);
+// Shows the "Delete Template" dialog until its Done button; templates in use by a job of the cell
+// cannot be deleted there. Needs a QApplication (std::logic_error without one).
+void DeleteTemplate();
 
 } // namespace boundary

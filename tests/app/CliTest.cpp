@@ -97,3 +97,13 @@ TEST(QuorvelCli, TemplateEditorCommandsForScripts) {
     run = quorvel("template new " + cell + " --workpieces 2");
     EXPECT_NE(run.exitCode, 0); // the fixture is required
 }
+
+TEST(QuorvelCli, TemplateDeleteOpensTheDialogAndLeavesTemplatesWhenClosed) {
+    testsupport::TempDir dir;
+    const std::string cell = "--cell '" + dir.str() + "'";
+    ASSERT_EQ(quorvel("init " + cell).exitCode, 0);
+    auto run = quorvel("template delete " + cell + " --close");
+    ASSERT_EQ(run.exitCode, 0) << run.output;
+    EXPECT_NE(run.output.find("Templates left: 1"), std::string::npos) << run.output;
+    EXPECT_EQ(quorvel("templates " + cell).output, "0\t(New)\n1\tDemo wire-cut plate\n");
+}
