@@ -1,8 +1,8 @@
 #include "template/Template.h"
 
 #include "common/Services.h"
-#include "template/CopyTemplate.h"
 #include "store/DataMod.h"
+#include "template/CopyTemplate.h"
 
 #include <QApplication>
 #include <QCloseEvent>
