@@ -107,7 +107,8 @@ public:
     const std::vector<CommandSetupPtr>& Clipboard() const { return FClipboard; }
     const std::string& SearchText() const { return FSearchText; }
 
-    // Makes the copy dialog of btnCopyTemplate; until one is installed the button does nothing.
+    // Makes the copy dialog of btnCopyTemplate (the "Copy Template" dialog unless replaced, as
+    // tests do); without one the button does nothing.
     std::function<std::unique_ptr<QDialog>(QWidget* owner)> CreateCopyTemplateDialog;
 
 protected:

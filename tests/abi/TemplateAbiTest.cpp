@@ -52,11 +52,13 @@ int templateRows(const testsupport::TempDir& dir) {
     auto newTemplate = reinterpret_cast<int32_t (*)(const char*, int32_t, char*, int32_t)>(
         dlsym(lib, "NewTemplate"));
     auto lastError = reinterpret_cast<const char* (*)()>(dlsym(lib, "RcLastError"));
+    auto deleteTemplate = reinterpret_cast<int32_t (*)()>(dlsym(lib, "DeleteTemplate"));
     if (initialize(cell.c_str(), cell.c_str(), 0, 0) != 0)
         std::_Exit(11);
     char name[64] = "stale";
     if (!withApplication) {
-        const bool refused = newTemplate("FX", 2, name, sizeof name) == -1 && *lastError() != 0;
+        const bool refused = newTemplate("FX", 2, name, sizeof name) == -1 && *lastError() != 0 &&
+                             deleteTemplate() == -1;
         std::_Exit(refused && templateRows(dir) == 0 ? 0 : 12);
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -64,16 +66,23 @@ int templateRows(const testsupport::TempDir& dir) {
     char appName[] = "host";
     char* argv[] = {appName, nullptr};
     QApplication app(argc, argv);
-    // The operator cancels the editor as soon as it shows.
-    bool shown = false;
-    QTimer::singleShot(0, [&] {
-        if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-            shown = true;
-            dialog->reject();
-        }
-    });
+    // The operator closes each window as soon as it shows.
+    int shown = 0;
+    const auto closeWhenShown = [&] {
+        QTimer::singleShot(0, [&] {
+            if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+                ++shown;
+                dialog->reject();
+            }
+        });
+    };
+    closeWhenShown();
     const int length = newTemplate("FX", 2, name, sizeof name);
-    std::_Exit(shown && length == 0 && name[0] == 0 && templateRows(dir) == 0 ? 0 : 13);
+    closeWhenShown();
+    const int deleted = deleteTemplate();
+    std::_Exit(shown == 2 && length == 0 && name[0] == 0 && deleted == 0 && templateRows(dir) == 0
+                   ? 0
+                   : 13);
 }
 
 } // namespace
@@ -82,6 +91,6 @@ TEST(CAbiTemplateEditor, RefusedWithoutTheHostsApplication) {
     EXPECT_EXIT(runEditorCase(false), ::testing::ExitedWithCode(0), "");
 }
 
-TEST(CAbiTemplateEditor, ShowsInTheHostsApplicationAndCancelLeavesNothing) {
+TEST(CAbiTemplateEditor, WindowsShowInTheHostsApplicationAndCancelLeavesNothing) {
     EXPECT_EXIT(runEditorCase(true), ::testing::ExitedWithCode(0), "");
 }

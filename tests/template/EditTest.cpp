@@ -168,7 +168,8 @@ TEST_F(EditTest, ExpandCollapseAndCopyTemplateReload) {
     EXPECT_FALSE(tree::FindNodeByIndex(tv(), 7)->isExpanded());
     EXPECT_EQ(dlg().btnUp->isEnabled(), false);
 
-    dlg().btnCopyTemplateClick(); // no copy dialog installed: nothing happens
+    dlg().CreateCopyTemplateDialog = nullptr; // no copy dialog: nothing happens
+    dlg().btnCopyTemplateClick();
     EXPECT_TRUE(cell.ui.calls.empty());
     dlg().CreateCopyTemplateDialog = [](QWidget* owner) {
         return std::make_unique<QDialog>(owner);
