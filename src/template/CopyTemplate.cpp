@@ -3,6 +3,7 @@
 #include "common/Format.h"
 #include "common/Services.h"
 #include "store/DataMod.h"
+#include "template/TemplateList.h"
 
 #include <QHBoxLayout>
 #include <QSignalBlocker>
@@ -81,18 +82,9 @@ void TdlgCopyTemplate::reject() { btnCancel->click(); }
 
 void TdlgCopyTemplate::FormActivate() {
     FTargetID = DM().tableTemplateName.fieldByName(schema::Template_ID).asInteger();
-    const QSignalBlocker blocker(lstTemplateName);
-    lstTemplateName->clear();
-    auto query = DM().NewLocalQuery();
-    query->setSql(
+    FillTemplateList(
+        lstTemplateName,
         common::format("select * from TemplateName where Template_ID <> %d", {FTargetID}));
-    query->open();
-    for (; !query->eof(); query->next()) {
-        auto* entry = new QListWidgetItem(
-            QString::fromStdString(query->fieldByName(schema::Name).asString()), lstTemplateName);
-        entry->setData(Qt::UserRole, query->fieldByName(schema::Template_ID).asInteger());
-    }
-    query->close();
     if (lstTemplateName->count() > 0) {
         lstTemplateName->setCurrentRow(0);
         lstTemplateNameClick();

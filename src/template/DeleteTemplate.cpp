@@ -3,6 +3,7 @@
 #include "common/Format.h"
 #include "common/Services.h"
 #include "store/DataMod.h"
+#include "template/TemplateList.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -83,17 +84,7 @@ void TdlgDeleteTemplate::FormShow() {
 }
 
 void TdlgDeleteTemplate::LoadList() {
-    const QSignalBlocker blocker(lstTemplateName);
-    lstTemplateName->clear();
-    auto query = DM().NewLocalQuery();
-    query->setSql("select * from TemplateName");
-    query->open();
-    for (; !query->eof(); query->next()) {
-        auto* entry = new QListWidgetItem(
-            QString::fromStdString(query->fieldByName(schema::Name).asString()), lstTemplateName);
-        entry->setData(Qt::UserRole, query->fieldByName(schema::Template_ID).asInteger());
-    }
-    query->close();
+    FillTemplateList(lstTemplateName, "select * from TemplateName");
     if (lstTemplateName->count() > 0) {
         lstTemplateName->setCurrentRow(0);
         lstTemplateNameClick();
