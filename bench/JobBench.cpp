@@ -38,10 +38,7 @@ public:
         info.TemplateID = 2;
         info.JobNumber = 1;
         info.PalletNumber = "7";
-        form_->SetWizardInfo(info);
-        form_->TakeJobKeys();
-        form_->BindDataControls();
-        form_->FilterJobTables();
+        form_->PrepareJob(info);
     }
     ~BigTemplateCell() {
         form_.reset();

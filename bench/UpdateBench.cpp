@@ -36,10 +36,7 @@ public:
         info.TemplateID = 1;
         info.JobNumber = 1;
         info.PalletNumber = "7";
-        form_->SetWizardInfo(info);
-        form_->TakeJobKeys();
-        form_->BindDataControls();
-        form_->FilterJobTables();
+        form_->PrepareJob(info);
     }
     ~UpdateCell() {
         form_.reset();

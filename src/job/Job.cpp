@@ -52,6 +52,13 @@ void TdlgJob::TakeJobKeys() {
     FTemplateId = toInt16(FInfo.TemplateID, "Template id");
 }
 
+void TdlgJob::PrepareJob(const TJobWizardInfo& Info) {
+    SetWizardInfo(Info);
+    TakeJobKeys();
+    BindDataControls();
+    FilterJobTables();
+}
+
 void TdlgJob::BindDataControls() {
     if (FControlsBound)
         return;

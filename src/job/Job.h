@@ -51,6 +51,8 @@ public:
     void BindDataControls();
     // Filters tableJobs on the job and tableTemplateData on the template (off, text, on).
     void FilterJobTables();
+    // The four steps above in their order: the record, the job keys, the bound boxes, the filters.
+    void PrepareJob(const TJobWizardInfo& Info);
 
     // ---- Composer ----
     // The line of the current Syntax row with the six value boxes; stored in Script_Line of the

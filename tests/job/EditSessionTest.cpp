@@ -89,10 +89,7 @@ public:
         info.TemplateID = 1;
         info.JobNumber = 1;
         info.PalletNumber = "7";
-        form_->SetWizardInfo(info);
-        form_->TakeJobKeys();
-        form_->BindDataControls();
-        form_->FilterJobTables();
+        form_->PrepareJob(info);
         form_->BuildJobFromTemplate();
         // The operator's work, one mark per line in a column the build leaves empty.
         auto q = DM().NewLocalQuery();
