@@ -8,7 +8,7 @@
 namespace app {
 
 CellSession::CellSession(const std::string& cellDir, common::Ui* ui)
-    : services_(common::Services{ui ? ui : &consoleUi_, nullptr, &host_}) {
+    : platform_(cellDir), services_(common::Services{ui ? ui : &consoleUi_, &platform_, &host_}) {
     if (!std::filesystem::is_regular_file(std::filesystem::path(cellDir) / "ZEL.db"))
         throw std::runtime_error("no cell in " + cellDir + " (run `quorvel init` first)");
     boundary::LibraryLoad();

@@ -21,6 +21,7 @@ public:
 private:
     ConsoleUi consoleUi_;
     ConsoleHost host_;
+    CellPlatform platform_;
     common::ScopedServices services_;
 };
 

@@ -1,5 +1,7 @@
 #include "Console.h"
 
+#include "common/FileNames.h"
+
 #include <QCoreApplication>
 #include <QDir>
 
@@ -36,6 +38,9 @@ void ConsoleHost::processMessages() {
 } // namespace app
 
 namespace app {
+
+CellPlatform::CellPlatform(const std::string& cellDir)
+    : cellDir_(common::includeTrailingPathDelimiter(cellDir)) {}
 
 void prepareQtEnvironment() {
     if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))

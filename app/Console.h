@@ -2,7 +2,10 @@
 // The seams for a run without windows: messages go to standard error with the default answer, and
 // a terminate request is remembered so the command can end with a failure.
 #include "common/HostApplication.h"
+#include "common/Platform.h"
 #include "common/Ui.h"
+
+#include <string>
 
 namespace app {
 
@@ -26,6 +29,17 @@ public:
     void terminate() override { terminated = true; }
     void processMessages() override;
     bool terminated = false;
+};
+
+// The operating system as quorvel offers it to the module: quorvel acts as the host, and the
+// host's directory is the cell directory.
+class CellPlatform : public common::RealPlatform {
+public:
+    explicit CellPlatform(const std::string& cellDir);
+    std::string executableDirectory() override { return cellDir_; }
+
+private:
+    std::string cellDir_; // with a trailing separator
 };
 
 } // namespace app

@@ -63,31 +63,31 @@ std::optional<int> JobCommands::run() {
 int JobCommands::runBuild() {
     const auto app = headlessApplication();
     CellSession session(cellDir_);
-    DM().PositionTemplate(templateId_);
-    if (DM().tableTemplateName.fieldByName(schema::Template_ID).asInteger() != templateId_)
+    std::string name;
+    boundary::GetTemplateName(templateId_, name);
+    if (name.empty())
         throw std::runtime_error("there is no template " + std::to_string(templateId_));
-
-    TdlgJob form;
+    // The job's lines are replaced: the old ones go, and opening the job builds it anew.
+    boundary::DeleteJob(pallet_, std::to_string(job_));
+    common::BoolMessageGate gate(false);
     TJobWizardInfo info;
     info.TemplateID = templateId_;
     info.JobNumber = job_;
     info.PalletNumber = pallet_;
-    form.SetWizardInfo(info);
-    // The template's tree goes into the wizard's tree view, as when the wizard opens a job.
-    dlgTemplate().LoadTemplateTree(form.tvwTemplate, templateId_);
-    if (tree::NodeCount(form.tvwTemplate) == 0)
-        throw std::runtime_error("The template is empty");
-    form.TakeJobKeys();
-    form.BindDataControls();
-    form.FilterJobTables();
-    form.BuildJobFromTemplate();
+    info.Unattended = true;
+    info.MessageGate = &gate;
+    boundary::JobWizard(info);
 
-    auto& jobs = DM().tableJobs;
-    for (jobs.first(); !jobs.eof(); jobs.next())
-        std::cout << jobs.fieldByName(schema::Line_Number).asString() << '\t'
-                  << jobs.fieldByName(schema::Node_Level).asString() << '\t'
-                  << jobs.fieldByName(schema::Code).asString() << '\t'
-                  << jobs.fieldByName(schema::Script_Line).asString() << '\n';
+    auto query = DM().NewLocalQuery();
+    query->setSql("select Line_Number, Node_Level, Code, Script_Line from Jobs where "
+                  "Pallet_Number = " + pallet_ + " and Job_Number = " + std::to_string(job_) +
+                  " order by Line_Number");
+    query->open();
+    if (query->eof())
+        throw std::runtime_error("the job of pallet " + pallet_ + " was not built");
+    for (; !query->eof(); query->next())
+        std::cout << query->fields(0).asString() << '\t' << query->fields(1).asString() << '\t'
+                  << query->fields(2).asString() << '\t' << query->fields(3).asString() << '\n';
     return 0;
 }
 

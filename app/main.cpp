@@ -2,6 +2,7 @@
 #include "Commands.h"
 #include "JobCommands.h"
 #include "TemplateCommands.h"
+#include "WizardCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -27,6 +28,7 @@ int main(int argc, char** argv) {
 
     app::JobCommands jobCommands(cli, cellDir);
     app::TemplateCommands templateCommands(cli, cellDir);
+    app::WizardCommand wizardCommand(cli, cellDir);
 
     CLI11_PARSE(cli, argc, argv);
     try {
@@ -37,6 +39,8 @@ int main(int argc, char** argv) {
         if (auto code = jobCommands.run())
             return *code;
         if (auto code = templateCommands.run(argc, argv))
+            return *code;
+        if (auto code = wizardCommand.run(argc, argv))
             return *code;
     } catch (const std::exception& e) {
         std::cerr << "quorvel: " << e.what() << '\n';

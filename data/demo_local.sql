@@ -105,6 +105,8 @@ INSERT INTO Syntax VALUES ('G54', 5, 'ALL', 'G58', 4, 'G58',
     'Work coordinate system 5', 0, 0, 0, 0, 0, 0);
 INSERT INTO Syntax VALUES ('G54', 6, 'ALL', 'G59', 4, 'G59',
     'Work coordinate system 6', 0, 0, 0, 0, 0, 0);
+INSERT INTO Syntax VALUES ('G54', 7, 'ALL', 'G54.1 P1', 4, 'G54.1 P1',
+    'Additional work coordinate system 1', 0, 0, 0, 0, 0, 0);
 
 INSERT INTO Syntax VALUES ('G65', 1, 'ALL', 'G65 P____ A__ B__', 1, 'G65 P%.4d A%+0.000f B%+0.000f',
     'Macro call with arguments A and B (argument C as sub-item)', 6002, 2011, 2012, 8001, 0, 0);

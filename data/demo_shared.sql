@@ -18,7 +18,7 @@ INSERT INTO Config VALUES (1, 1, 'Unit', 'Display Number', '1');
 INSERT INTO Config VALUES (1, 2, 'Unit', 'Machine Type', 'FANUC Robocut');
 INSERT INTO Config VALUES (1, 2, 'Unit', 'Machine Name', 'Robocut C400');
 INSERT INTO Config VALUES (1, 2, 'Unit', 'Display Number', '2');
-INSERT INTO Config VALUES (1, 2, 'Unit', 'Host', '192.168.0.20');
+INSERT INTO Config VALUES (1, 2, 'Unit', 'Host', '127.0.0.1');
 INSERT INTO Config VALUES (1, 2, 'Unit', 'Port', '8193');
 
 INSERT INTO Config VALUES (1, 3, 'Unit', 'Machine Type', 'Washer');

@@ -4,12 +4,15 @@
 #include "boundary/Exports.h"
 #include "common/Services.h"
 #include "dialogs/QtServices.h"
+#include "job/HostReport.h"
 
 #include <QApplication>
 
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <memory>
+#include <stdexcept>
 #include <string>
 
 struct RcStringList {
@@ -103,6 +106,37 @@ public:
 CallbackUi callbackUi;
 CallbackHost callbackHost;
 
+// The host's boolean as the gate of a message.
+class PointerGate : public common::MessageGate {
+public:
+    explicit PointerGate(uint8_t* value) : value_(value) {}
+    bool checked() const override { return *value_ != 0; }
+    void setChecked(bool value) override { *value_ = value ? 1 : 0; }
+
+private:
+    uint8_t* value_;
+};
+
+// Hands the host's "GetJobInfo" the report as C data.
+void callGetJobInfo(void* entry, TAutomationInfo& info) {
+    const RcAutomationInfo record{info.HostTag,
+                                  info.JobNumber,
+                                  info.HostText1.c_str(),
+                                  info.HostText2.c_str(),
+                                  info.MachineText.c_str(),
+                                  info.PalletNumber.c_str(),
+                                  info.CommandFile.c_str(),
+                                  info.AutomationText1.c_str(),
+                                  info.CommandText.c_str(),
+                                  info.FileList.c_str(),
+                                  info.AutomationText2.c_str(),
+                                  static_cast<uint8_t>(info.AutomationFlag1 ? 1 : 0),
+                                  static_cast<uint8_t>(info.AutomationFlag2 ? 1 : 0),
+                                  info.HostFlag1,
+                                  info.HostFlag2};
+    reinterpret_cast<void (*)(const RcAutomationInfo*)>(entry)(&record);
+}
+
 // Loading the library creates the store module; unloading frees it. A static object rather than
 // load and unload hooks, so that it is destroyed before the statics it created.
 struct LibraryLifetime {
@@ -113,8 +147,10 @@ struct LibraryLifetime {
         if (!s.host)
             s.host = &callbackHost;
         boundary::LibraryLoad();
+        job::SetHostReportCall(callGetJobInfo);
     }
     ~LibraryLifetime() {
+        job::SetHostReportCall({});
         boundary::LibraryUnload();
         auto& s = common::services();
         if (s.ui == &callbackUi)
@@ -234,6 +270,42 @@ int32_t ModifyTemplate(int32_t reserved, int32_t workpieces, int32_t templateId)
 int32_t DeleteTemplate(void) {
     return guarded([&] {
         boundary::DeleteTemplate();
+        return 0;
+    });
+}
+
+int32_t JobWizard(const RcJobWizardInfo* info) {
+    return guarded([&] {
+        if (!info)
+            throw std::invalid_argument("JobWizard needs a job wizard record");
+        if (!hostHasWindows())
+            throw std::logic_error("JobWizard needs the host's Qt application");
+        std::unique_ptr<PointerGate> gate;
+        if (info->MessageGate)
+            gate = std::make_unique<PointerGate>(info->MessageGate);
+        TJobWizardInfo record;
+        record.HostModule = info->HostModule;
+        record.TemplateID = info->TemplateID;
+        record.HostTag = info->HostTag;
+        record.JobNumber = info->JobNumber;
+        record.HostText1 = text(info->HostText1);
+        record.HostText2 = text(info->HostText2);
+        record.MachineText = text(info->MachineText);
+        record.PalletNumber = text(info->PalletNumber);
+        record.LocalDirectory = text(info->LocalDirectory);
+        record.InputDirectory = text(info->InputDirectory);
+        record.OutputDirectory = text(info->OutputDirectory);
+        record.ReservedText1 = text(info->ReservedText1);
+        record.ReservedText2 = text(info->ReservedText2);
+        record.ReservedText3 = text(info->ReservedText3);
+        record.HostFlag1 = info->HostFlag1;
+        record.UseTemplateFixture = info->UseTemplateFixture != 0;
+        record.AllowSkip = info->AllowSkip != 0;
+        record.AllowSkipDown = info->AllowSkipDown != 0;
+        record.Unattended = info->Unattended != 0;
+        record.HostFlag2 = info->HostFlag2;
+        record.MessageGate = gate.get();
+        boundary::JobWizard(record);
         return 0;
     });
 }

@@ -45,9 +45,14 @@ typedef struct RcJobWizardInfo {
     uint8_t AllowSkipDown;
     uint8_t Unattended;
     uint8_t HostFlag2;
+    /* The host's check box that gates the notice of a changed template: nonzero = show it. The
+     * module reads it and clears it when the user ticks "Don't show this message in the future".
+     * Needed whenever a job can meet a changed template; NULL then fails with an error. */
+    uint8_t* MessageGate;
 } RcJobWizardInfo;
 
-/* The report handed to the host's "GetJobInfo"; valid only during that call. */
+/* The report handed to the host's "GetJobInfo"; valid only during that call. The host's library
+ * (HostModule, a dlopen handle) exports it as: void GetJobInfo(const RcAutomationInfo* info); */
 typedef struct RcAutomationInfo {
     int32_t HostTag;
     int32_t JobNumber;
@@ -110,6 +115,10 @@ RC_API int32_t ModifyTemplate(int32_t reserved, int32_t workpieces, int32_t temp
 /* The "Delete Template" dialog, shown until it is closed: 0, or -1 (no QApplication, or a store
  * error) with the reason in RcLastError(). */
 RC_API int32_t DeleteTemplate(void);
+/* The "Master Program Wizard" on the job of the record, shown until it is closed; with Unattended
+ * set, or when the job cannot be opened, the host's "GetJobInfo" gets the report at once. Needs a
+ * running QApplication in the host's process. 0, or -1 with the reason in RcLastError(). */
+RC_API int32_t JobWizard(const RcJobWizardInfo* info);
 
 #ifdef __cplusplus
 }

@@ -43,4 +43,9 @@ void ModifyTemplate(std::int32_t reserved, std::int32_t workpieces, std::int32_t
 // cannot be deleted there. Needs a QApplication (std::logic_error without one).
 void DeleteTemplate();
 
+// Opens the job of the record in the "Master Program Wizard" and shows it; with Unattended set, or
+// when the job cannot be opened, reports to the host's "GetJobInfo" at once instead (when
+// HostModule is given). Needs a QApplication (std::logic_error without one).
+void JobWizard(TJobWizardInfo Info);
+
 } // namespace boundary

@@ -4,9 +4,16 @@
 //   JobComposer.cpp  script line composer (masks, pictures, the final pass)
 //   JobFiles.cpp     backup copy and program number of a chosen file
 //   JobDefaults.cpp  global and local default syntaxes and values
-//   JobBuild.cpp     job rows from the template rows
-//   JobUpdate.cpp    the template's journal replayed on the job's lines
-//   Job.cpp          the form, its controls and the job keys
+//   JobBuild.cpp      job rows from the template rows
+//   JobUpdate.cpp     the template's journal replayed on the job's lines
+//   JobOpen.cpp       opening a job: template tree, new or existing job, status of the nodes
+//   JobControls.cpp   the controls, by tab and panel, and their signals
+//   JobForm.cpp       the form's own events and the job keys
+//   JobNavigation.cpp the selection handler
+//   JobSyntax.cpp     syntaxes, value boxes, joined lines, running numbers, line status
+//   JobValueEntry.cpp clicks and keystrokes that reach the row
+//   JobValidation.cpp checks of values
+//   JobProgram.cpp    program number, line numbers, baskets and the queue
 #include "boundary/Structs.h"
 #include "dialogs/DBControls.h"
 #include "template/TreeNodes.h"
@@ -15,9 +22,25 @@
 
 #include <array>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <vector>
+
+class QAction;
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QMenu;
+class QPushButton;
+class QRadioButton;
+class QSpinBox;
+class QStatusBar;
+class QTabWidget;
 
 // A job operation that cannot go on: a number out of range, a mask that cannot be composed, a file
 // that cannot be read. The message names the value, mask or file.
@@ -30,6 +53,14 @@ namespace job {
 class JobLineReplay;
 }
 
+// An entry of the form's workpiece list: first piece, line, range start, range end.
+struct TWorkpieceRange {
+    int FirstPiece = 0;
+    int Line = 0;
+    int RangeStart = 0;
+    int RangeEnd = 0;
+};
+
 class TdlgJob : public QDialog {
     Q_OBJECT
 
@@ -37,22 +68,106 @@ public:
     explicit TdlgJob(QWidget* parent = nullptr);
     ~TdlgJob() override;
 
+    // ---- Open and load (JobOpen.cpp) ----
+    // Takes a copy of the record, loads the template's tree and the job; true when the form is
+    // ready to be shown. Messages for an empty template or a corrupt job end it with false.
+    bool OpenJob(TJobWizardInfo Info);
+    // Filters the job tables, builds a new job or brings an outdated one up to date, restores
+    // every node's status and selects the first line's pages. Needs the three job keys.
+    bool LoadJob();
+    // The node of an absolute index, walking on from where the last search stood, so that a walk
+    // over the lines in order costs one step per line. nullptr when there is none.
+    QTreeWidgetItem* FindNodeByIndex(int Index, bool Restart);
+
+    // ---- Form events (JobForm.cpp) ----
+    void FormCreate();
+    void FormActivate(); // once per showing
+    void FormResize();
+    void FormClose();
+    void FormDestroy();
+
     // ---- Job keys ----
-    // Keeps a copy of the wizard record.
-    void SetWizardInfo(const TJobWizardInfo& Info);
     const TJobWizardInfo& WizardInfo() const { return FInfo; }
-    // Takes FPalletNumber, FJobNumber and FTemplateId from the record. A pallet text that is no
-    // integer, or a number outside -32768..32767, raises a JobError naming the value.
-    void TakeJobKeys();
     std::int16_t PalletNumber() const { return FPalletNumber; }
     std::int16_t JobNumber() const { return FJobNumber; }
     std::int16_t TemplateId() const { return FTemplateId; }
-    // Binds the value boxes to Value_1..Value_6 of the job rows, once.
+    // The steps of the open path, for tests of the build and update alone:
+    // the record's copy (OpenJob's first step),
+    void SetWizardInfo(const TJobWizardInfo& Info) { FInfo = Info; }
+    // FPalletNumber, FJobNumber and FTemplateId from the record (a pallet text that is no
+    // integer, or a number outside -32768..32767, raises a JobError naming the value),
+    void TakeJobKeys();
+    // the data-aware controls bound to the job's rows and the template's name, once,
     void BindDataControls();
-    // Filters tableJobs on the job and tableTemplateData on the template (off, text, on).
+    // and the filters of tableJobs on the job and tableTemplateData on the template.
     void FilterJobTables();
-    // The four steps above in their order: the record, the job keys, the bound boxes, the filters.
-    void PrepareJob(const TJobWizardInfo& Info);
+
+    // ---- Navigation (JobNavigation.cpp) ----
+    // The selection handler: fills the pages for the node. Sender is the tree for a selection
+    // change, nullptr when a routine calls it (the status message then stays).
+    void tvwTemplateChange(QObject* Sender, QTreeWidgetItem* Node);
+    // Selects a node from code: the change handler runs directly, with the tree as sender, so an
+    // error in it reaches the caller. No handler runs when the selection stays.
+    void SelectNode(QTreeWidgetItem* Node);
+    QTreeWidgetItem* SelectedNode() const;
+    // Makes a tab of pageScript or pageValues active without firing its change handler.
+    void SetActivePage(QTabWidget* Pages, QWidget* Page);
+
+    // ---- Program number and line numbers (JobProgram.cpp) ----
+    void spnProgramNumberChange();
+    void btnProgramNumberClick();
+    void chkLineNumbersClick();
+    void spinIncrementChange();
+    void btnLineNumbersClick();
+    void RefreshProgramSample();
+
+    // ---- Machines, baskets and the queue (JobProgram.cpp) ----
+    void cmbAuxPalletChange();
+    // The master program and file list for the host: from JobQueue when unattended, otherwise
+    // what the form knows of the job. A missing queue row leaves the string as it was.
+    void QueueCommandFile(bool Unattended, std::string& CommandFile);
+    void QueueFileList(bool Unattended, std::string& FileList);
+
+    // ---- Syntax item handlers (JobSyntax.cpp) ----
+    // Moves tableJobs to the row of the node (the selected one when Node is nullptr).
+    void SyncJobRow(QTreeWidgetItem* Node);
+    void LocateSyntaxRow(const std::string& Code, int Level, const std::string& ParentCode);
+    void ShowItemValues();
+    void ShowItemSelection();
+    void ClearSyntaxList();
+    void FillValueField(QLabel* Label, dialogs::TDBEdit* Edit, bool LoadDefault);
+    void ComposeCommandLine();
+    void ComposeJoinedLine();
+    bool IsLineContinued();
+    void NumberSequenceValue();
+    void RefreshScriptListLine();
+    std::string ScriptViewLine();
+    void SetNodeImage(QTreeWidgetItem* Node, int Image, bool Force);
+    std::string WorkpieceRangeText(QTreeWidgetItem* Node);
+    void UpdateCopyPasteButtons();
+
+    // ---- Syntax and value entry (JobValueEntry.cpp) ----
+    // Sender is the list for a real click, nullptr when a routine calls it.
+    void lstSyntaxClick(QObject* Sender);
+    // Sender is the box whose text changed, nullptr when a routine calls it.
+    void dbeValueChange(QObject* Sender);
+
+    // ---- Default markers (JobDefaults.cpp) ----
+    void UpdateDefaultMark(dialogs::TDBEdit* Edit, QLabel* Label);
+    void SetDefaultSyntaxMark(int SyntaxNumber, const std::string& Marker);
+
+    // ---- Validation (JobValidation.cpp) ----
+    // Beeps, shows the fixed status text and sets FStopFlag; the identifier is not shown.
+    void ReportInputError(const std::string& Identifier);
+
+    // ---- Top panel ----
+    void btnExitClick();
+    // Every way the form closes (Exit, Esc, the close box, a modal result) passes here.
+    void done(int result) override;
+
+    // ---- Status bar ----
+    // Repaints the status bar's owner-drawn panel from FStatusMessage and FProgress.
+    void RepaintStatusBar();
 
     // ---- Composer ----
     // The line of the current Syntax row with the six value boxes; stored in Script_Line of the
@@ -111,33 +226,192 @@ public:
     // columns.
     void MoveJobLines(int FromLine, int ToLine, int Count);
 
-    // ---- Controls ----
+    // ---- Controls, by where they stand ----
+    // Top panel.
+    QWidget* pnlTop;
+    QLabel* txtTemplateName; // "Template Name:"
+    dialogs::TDBText* dbtTemplateName;
+    QPushButton* btnFind;
+    QPushButton* btnWrite;
+    QPushButton* btnEdit;
+    QPushButton* btnExit;
+    QLabel* txtTemplate; // heading of the left half
+    QLabel* txtValues;   // heading of the right half
+    QTabWidget* pageScript;
+    // tabProgram "Program".
+    QWidget* tabProgram;
+    QSpinBox* spnProgramNumber;
+    QPushButton* btnProgramNumber;
+    QComboBox* cmbMachines;
+    QListWidget* lstPrograms;
+    // tabOptions "Options".
+    QWidget* tabOptions;
+    QCheckBox* chkLineNumbers;
+    QSpinBox* spinIncrement;
+    QListWidget* lstSample;
+    QPushButton* btnLineNumbers;
+    QGroupBox* grpAuxLoad;
+    QComboBox* cmbAuxPallet;
+    QLineEdit* editBasketStatus;
+    // tabTree "Tree View".
+    QWidget* tabTree;
     tree::TTreeView* tvwTemplate; // the job's tree, one node per Jobs row
+    QPushButton* btnExpand;
+    QPushButton* btnCollapse;
+    QPushButton* btnCopy;
+    QPushButton* btnPaste;
+    QPushButton* btnSkip; // a speed button: stays down on a skipped line
+    QPushButton* btnSkipDown;
+    QPushButton* btnUnskip;
+    QPushButton* btnNext;
+    // tabScript "Script View".
+    QWidget* tabScript;
+    QListWidget* lstScript;
+    // grpSyntax "Item Syntax Options".
+    QGroupBox* grpSyntax;
+    QListWidget* lstSyntax;
+    std::array<QLabel*, 5> textDefSyn; // textDefSyn0 .. textDefSyn4
+    // pageValues.
+    QTabWidget* pageValues;
+    QWidget* tabValues;
+    QWidget* tabDescription;
+    QLabel* txtSyntaxDesc;
+    QWidget* pnlSection;
+    QLabel* txtComment;
+    dialogs::TDBMemo* dbmComment;
+    QWidget* pnlEditBoxes;
+    QLabel* txtValue1;
+    QLabel* txtValue2;
+    QLabel* txtValue3;
+    QLabel* txtValue4;
+    QLabel* txtValue5;
+    QLabel* txtValue6;
     dialogs::TDBEdit* dbeValue1;
     dialogs::TDBEdit* dbeValue2;
     dialogs::TDBEdit* dbeValue3;
     dialogs::TDBEdit* dbeValue4;
     dialogs::TDBEdit* dbeValue5;
     dialogs::TDBEdit* dbeValue6;
+    QLabel* textDefault1;
+    QLabel* textDefault2;
+    QLabel* textDefault3;
+    QLabel* textDefault4;
+    QLabel* textDefault5;
+    QLabel* textDefault6;
+    QCheckBox* chkOption;
+    QPushButton* btnFilename;
+    QWidget* pnlRadioButtons;
+    QRadioButton* radItem1;
+    QRadioButton* radItem2;
+    QRadioButton* radItem3;
+    QRadioButton* radItem4;
+    QRadioButton* radItem5;
+    QRadioButton* radItem6;
+    QLabel* txtItem1;
+    QLabel* txtItem2;
+    QLabel* txtItem3;
+    QLabel* txtItem4;
+    QLabel* txtItem5;
+    QLabel* txtItem6;
+    // grpResult "Composed Line Item".
+    QGroupBox* grpResult;
+    dialogs::TDBText* dbtScriptLine;
+    // Status bar: panels of 160, 140 and 50 pixels, the third drawn by the form.
+    QStatusBar* StatusBar;
+    std::array<QLabel*, 2> StatusPanels;
+    QWidget* StatusDrawPanel;
+    // Popup menus of the value boxes and of the syntax list.
+    QMenu* mnuDefaultValue;
+    QAction* itemSetGlobal;
+    QAction* itemLoadGlobal;
+    QAction* itemSetLocal;
+    QAction* itemLoadLocal;
+    QAction* itemClearLocal;
+    QAction* itemCancelDefault;
+    QMenu* mnuDefaultSyntax;
+    QAction* itemSetGlobalDefSyn;
+    QAction* itemSetLocalDefSyn;
+    QAction* itemClearLocalDefSyn;
+    QAction* itemCancelSyntax;
+
+    // The controls of a number 1..6: value box, its label, its marker, radio button, its label.
+    dialogs::TDBEdit* ValueEdit(int Number) const;
+    QLabel* ValueLabel(int Number) const;
+    QLabel* DefaultLabel(int Number) const;
+    QRadioButton* RadioItem(int Number) const;
+    QLabel* ItemLabel(int Number) const;
+    // The tag of a control (its number 1..6), 0 when it has none.
+    static int Tag(const QObject* Control);
+    static void SetTag(QObject* Control, int Tag);
 
     // ---- Fields ----
-    bool FEventsEnabled = false;
-    bool FWriting = false; // set while the master program is written
+    TJobWizardInfo FInfo;
+    std::int16_t FPalletNumber = 0;
+    std::int16_t FJobNumber = 0;
+    std::int16_t FTemplateId = 0;
+    // The fixture's points: FFixtureZ is FPoints.Z, FAdjustedX and FAdjustedY are FPoints.X and
+    // FPoints.Y, by workpiece number.
+    TPointInfo FPoints;
+    std::string FProgramFileName; // Path of line 0: the program last written
+    std::string FCurrentCode;     // Code of the selected node; empty on a section
+    std::string FParentCode;      // the parent's code on level 2, else empty
+    std::string FStatusMessage;   // text of the owner-drawn status panel
+    double FProgress = 0;         // percentage shown in that panel
+    bool FEventsEnabled = false;  // false: the event handlers of the form do nothing
+    bool FWriting = false;        // set while the master program is written
+    bool FStopFlag = false;       // a check has failed
+    QTreeWidgetItem* FFindCursor = nullptr;
+    std::vector<TWorkpieceRange> FWorkpieces; // nothing fills it; kept for its readers
+    std::vector<std::string> FSavedValues;    // the six values of the line last shown
+    std::array<int, 6> FSavedValueTypes{};    // and their value types
+    int FItemWidth = 0;
+    int FItemTop = 0;
+    std::string FScriptParentCode;
     int FWorkpieceCounter = 0;
+    QTreeWidgetItem* FCopiedNode = nullptr;
+    std::string FBrowsedFileName;
+    int FLastScriptIndex = 0;
+    std::string FFileList; // included files joined by "|"
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    // The value box of number 1..6.
-    dialogs::TDBEdit* ValueEdit(int Number) const;
+    // ---- Building the form (JobControls.cpp) ----
+    void buildTopPanel();
+    void buildProgramTab();
+    void buildOptionsTab();
+    void buildTreeTab();
+    void buildScriptTab();
+    void buildSyntaxGroup();
+    void buildValuePages();
+    void buildResultAndStatus();
+    void buildMenus();
+    void connectHandlers();
+
+    // Runs a handler for a signal. An error of a handler that code set off (inside ByCode) is
+    // kept and raised again where that code continues; an error of the user's own action is
+    // shown, as the event loop's default handler does.
+    void Event(const std::function<void()>& Handler);
+    // Runs code that changes controls whose signals run handlers; an error in such a handler
+    // reaches this caller.
+    void ByCode(const std::function<void()>& Code);
+
     // Puts tableJobs in edit mode, sets Script_Line, posts.
     void StoreScriptLine(const std::string& Line);
     // Runs line changes on the job and writes them back, then `afterWrite`, in one transaction.
     void RunLineChanges(const std::function<void(job::JobLineReplay&)>& changes,
                         const std::function<void()>& afterWrite = {});
     void AppendSectionLine(int LineNumber, const std::string& Code, int NodeLevel, int State);
+    // Restores each node's image and state from the job's rows; false on a row without a node.
+    bool RestoreTree();
 
-    TJobWizardInfo FInfo;
-    std::int16_t FPalletNumber = 0;
-    std::int16_t FJobNumber = 0;
-    std::int16_t FTemplateId = 0;
     bool FControlsBound = false;
+    bool FActivateArmed = true; // FormActivate runs at the next activation
+    bool FPanelsFill = true;    // the three value panels fill tabValues
+    int FCodeDepth = 0;         // > 0 while ByCode runs
+    std::exception_ptr FPendingError;
 };

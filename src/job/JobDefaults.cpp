@@ -6,6 +6,9 @@
 #include "common/Format.h"
 #include "store/DataMod.h"
 
+#include <QCheckBox>
+#include <QLabel>
+
 namespace {
 
 // The current template: the first field of the current TemplateName row.
@@ -18,6 +21,12 @@ bool findLocalDefault(const std::string& filter) {
     defaults.setFilter(filter);
     defaults.setFiltered(true);
     return defaults.recordCount() == 1;
+}
+
+void setBold(QWidget* widget, bool bold) {
+    QFont font = widget->font();
+    font.setBold(bold);
+    widget->setFont(font);
 }
 
 } // namespace
@@ -58,4 +67,38 @@ void TdlgJob::GetDefaultValue(int ValueId, std::string& Value) {
     if (findLocalDefault(
             common::format("Template_ID = %d and Value_ID = '%d'", {currentTemplateId(), ValueId})))
         Value = DM().tableTemplateDefaults.fieldByName(schema::Default).asString();
+}
+
+void TdlgJob::UpdateDefaultMark(dialogs::TDBEdit* Edit, QLabel* Label) {
+    const int k = Tag(Edit);
+    const std::string text = Edit->text().toStdString();
+    const auto valueTypeField = DM().tableSyntax.fieldByName(schema::ValueTypeColumn(k));
+    const std::string valueType = valueTypeField.asString();
+    // The check box shares the marker of the value it stands for.
+    const auto mark = [&](bool bold, const char* marker, const char* hint) {
+        setBold(Edit, bold);
+        if (Tag(chkOption) == k)
+            setBold(chkOption, bold);
+        Label->setText(marker);
+        Label->setToolTip(hint);
+    };
+    if (findLocalDefault(common::format("Template_ID = %d and Value_ID = '%s'",
+                                        {currentTemplateId(), valueType})) &&
+        DM().tableTemplateDefaults.fieldByName(schema::Default).asString() == text) {
+        mark(true, "L", "Local Default");
+        return;
+    }
+    std::string global;
+    GetGlobalDefaultValue(valueTypeField.asInteger(), global);
+    if (!text.empty() && text == global) {
+        mark(true, "G", "Global Default");
+        return;
+    }
+    mark(false, "", "");
+}
+
+void TdlgJob::SetDefaultSyntaxMark(int SyntaxNumber, const std::string& Marker) {
+    if (SyntaxNumber >= 1 && SyntaxNumber <= static_cast<int>(textDefSyn.size()))
+        textDefSyn[static_cast<std::size_t>(SyntaxNumber - 1)]->setText(
+            QString::fromStdString(Marker));
 }

@@ -146,17 +146,18 @@ void writeJobLines(store::Database& db, int pallet, int job,
             fresh.push_back(&slot);
     std::sort(fresh.begin(), fresh.end(),
               [](const ReplaySlot* a, const ReplaySlot* b) { return a->created < b->created; });
-    auto& relevel = db.cached("update Jobs set Node_Level = ? where Pallet_Number = ? and "
-                              "Job_Number = ? and Line_Number = ?");
+    // Held, not borrowed from the cache: the appends in between go through the cache too.
+    const auto relevel = db.shared("update Jobs set Node_Level = ? where Pallet_Number = ? and "
+                                   "Job_Number = ? and Line_Number = ?");
     for (const auto* slot : fresh) {
         const auto& created = replay.created()[static_cast<std::size_t>(slot->created)];
         append(slot->lineNumber, created);
         if (slot->level != created.level) {
-            relevel.bind(1, store::Value(slot->level));
-            relevel.bind(2, store::Value(pallet));
-            relevel.bind(3, store::Value(job));
-            relevel.bind(4, store::Value(slot->lineNumber));
-            relevel.run();
+            relevel->bind(1, store::Value(slot->level));
+            relevel->bind(2, store::Value(pallet));
+            relevel->bind(3, store::Value(job));
+            relevel->bind(4, store::Value(slot->lineNumber));
+            relevel->run();
         }
     }
 }

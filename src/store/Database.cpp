@@ -65,6 +65,7 @@ void Database::open(bool create) {
 
 void Database::close() {
     cache_.clear();
+    lru_.clear();
     if (db_) {
         sqlite3_close_v2(db_);
         db_ = nullptr;
@@ -120,15 +121,22 @@ void Database::executeScript(const std::string& sql) {
     }
 }
 
-Statement& Database::cached(const std::string& sql) {
-    auto it = cache_.find(sql);
-    if (it != cache_.end())
-        return *it->second;
-    // Statement texts of tables are few; ad-hoc texts are not cached here.
-    auto stmt = std::make_unique<Statement>(handle(), sql);
-    auto& ref = *stmt;
-    cache_.emplace(sql, std::move(stmt));
-    return ref;
+Statement& Database::cached(const std::string& sql) { return *shared(sql); }
+
+std::shared_ptr<Statement> Database::shared(const std::string& sql) {
+    if (auto it = cache_.find(sql); it != cache_.end()) {
+        lru_.splice(lru_.begin(), lru_, it->second);
+        return it->second->second;
+    }
+    auto stmt = std::make_shared<Statement>(handle(), sql);
+    if (lru_.size() >= CacheBound) {
+        // The least recently used goes; a holder of its shared pointer keeps it alive.
+        cache_.erase(lru_.back().first);
+        lru_.pop_back();
+    }
+    lru_.emplace_front(sql, stmt);
+    cache_.emplace(lru_.front().first, lru_.begin());
+    return stmt;
 }
 
 int Database::changes() const { return db_ ? sqlite3_changes(db_) : 0; }

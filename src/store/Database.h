@@ -5,6 +5,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -54,8 +55,12 @@ public:
     void execute(const std::string& sql);
     // Runs a script of several statements; for creating cells and fixtures only.
     void executeScript(const std::string& sql);
-    // A prepared statement kept for reuse; valid until the database closes.
+    // A prepared statement kept for reuse. The cache keeps the CacheBound most recently used
+    // texts, so the reference is valid until that many other texts have gone through the cache
+    // (or the database closes); hold `shared` to keep a statement across other work.
     Statement& cached(const std::string& sql);
+    std::shared_ptr<Statement> shared(const std::string& sql);
+    static constexpr std::size_t CacheBound = 256;
     sqlite3* handle();
     // Rows changed by the last statement.
     int changes() const;
@@ -70,7 +75,10 @@ private:
     std::string password_;
     bool readOnly_ = false;
     sqlite3* db_ = nullptr;
-    std::unordered_map<std::string, std::unique_ptr<Statement>> cache_;
+    // Most recently used first; the map finds a text's place in the list.
+    using CacheList = std::list<std::pair<std::string, std::shared_ptr<Statement>>>;
+    CacheList lru_;
+    std::unordered_map<std::string_view, CacheList::iterator> cache_;
     std::uint64_t generation_ = 0;
 };
 

@@ -34,29 +34,30 @@ FieldType typeFromDeclaration(const std::string& declared) {
 
 } // namespace
 
-// The statements of the current order and filter. Pointers refer to statements cached by the
-// database; the plan is rebuilt when the filter or the index changes.
+// The statements of the current order and filter, shared with the database's cache so that they
+// outlive an eviction from it; the plan is rebuilt when the filter or the index changes.
 struct Table::Plan {
+    using Held = std::shared_ptr<Statement>;
     std::string selectFrom; // select _rowid_, * from "T"
     std::string where;      // "(filter)" or empty
     std::string order;      // "k1, k2, _rowid_"
     std::string orderDesc;
     std::string tuple; // "(k1, k2, _rowid_)"
     int tupleSize = 0;
-    Statement* first = nullptr;
-    Statement* last = nullptr;
-    Statement* next = nullptr;
-    Statement* prior = nullptr;
-    Statement* byRowid = nullptr;
+    Held first;
+    Held last;
+    Held next;
+    Held prior;
+    Held byRowid;
     // When the filter fixes the leading key columns to constants, moves compare only the rest of
     // the key, so that the index serves both the filter and the step.
     std::vector<Value> pinned;
-    Statement* nextPinned = nullptr;
-    Statement* priorPinned = nullptr;
+    Held nextPinned;
+    Held priorPinned;
     std::string pinnedTuple;
     std::string pinnedMarks;
-    std::vector<Statement*> findKey;     // by number of key values
-    std::vector<Statement*> findNearest; // by number of key values
+    std::vector<Held> findKey;     // by number of key values
+    std::vector<Held> findNearest; // by number of key values
 };
 
 Table::Table(Database& database, std::string tableName)
@@ -72,6 +73,8 @@ FieldType Table::fieldType(int index) const {
 }
 
 Statement& Table::statement(const std::string& sql) { return database_->cached(sql); }
+
+std::shared_ptr<Statement> Table::held(const std::string& sql) { return database_->shared(sql); }
 
 void Table::open() {
     if (active())
@@ -198,13 +201,13 @@ void Table::buildPlan() {
     for (int i = 0; i < p.tupleSize; ++i)
         marks += i ? ", ?" : "?";
     marks = "(" + marks + ")";
-    p.first = &statement(p.selectFrom + whereFilter("") + " order by " + p.order + " limit 1");
-    p.last = &statement(p.selectFrom + whereFilter("") + " order by " + p.orderDesc + " limit 1");
-    p.next = &statement(p.selectFrom + whereFilter(p.tuple + " > " + marks) + " order by " +
+    p.first = held(p.selectFrom + whereFilter("") + " order by " + p.order + " limit 1");
+    p.last = held(p.selectFrom + whereFilter("") + " order by " + p.orderDesc + " limit 1");
+    p.next = held(p.selectFrom + whereFilter(p.tuple + " > " + marks) + " order by " +
                         p.order + " limit 1");
-    p.prior = &statement(p.selectFrom + whereFilter(p.tuple + " < " + marks) + " order by " +
+    p.prior = held(p.selectFrom + whereFilter(p.tuple + " < " + marks) + " order by " +
                          p.orderDesc + " limit 1");
-    p.byRowid = &statement(p.selectFrom + " where _rowid_ = ?");
+    p.byRowid = held(p.selectFrom + " where _rowid_ = ?");
     if (!p.where.empty() && !keyNames_.empty()) {
         if (auto terms = equalityTerms(filter_)) {
             for (std::size_t k = 0; k < keyNames_.size(); ++k) {
@@ -227,10 +230,10 @@ void Table::buildPlan() {
         p.pinnedTuple = "(" + p.pinnedTuple + ")";
         p.pinnedMarks = "(" + p.pinnedMarks + ")";
         p.nextPinned =
-            &statement(p.selectFrom + whereFilter(p.pinnedTuple + " > " + p.pinnedMarks) +
+            held(p.selectFrom + whereFilter(p.pinnedTuple + " > " + p.pinnedMarks) +
                        " order by " + p.order + " limit 1");
         p.priorPinned =
-            &statement(p.selectFrom + whereFilter(p.pinnedTuple + " < " + p.pinnedMarks) +
+            held(p.selectFrom + whereFilter(p.pinnedTuple + " < " + p.pinnedMarks) +
                        " order by " + p.orderDesc + " limit 1");
     } else {
         p.pinned.clear();
@@ -419,12 +422,12 @@ bool Table::findKey(const std::vector<Value>& key) {
         throw StoreError("Key search on table " + tableName_ + " with " +
                          std::to_string(key.size()) + " values; the key has " +
                          std::to_string(keyNames_.size()));
-    auto*& cached = plan_->findKey[key.size()];
+    auto& cached = plan_->findKey[key.size()];
     if (!cached) {
         std::string condition;
         for (std::size_t i = 0; i < key.size(); ++i)
             condition += (i ? " and " : "") + quoteName(keyNames_[i]) + " = ?";
-        cached = &statement(plan_->selectFrom + whereFilter(condition) + " order by " +
+        cached = held(plan_->selectFrom + whereFilter(condition) + " order by " +
                             plan_->order + " limit 1");
     }
     // loadRow leaves the current row alone when nothing matches.
@@ -445,14 +448,14 @@ void Table::findNearest(const std::vector<Value>& key) {
         throw StoreError("Nearest search on table " + tableName_ + " with " +
                          std::to_string(key.size()) + " values; the key has " +
                          std::to_string(keyNames_.size()));
-    auto*& cached = plan_->findNearest[key.size()];
+    auto& cached = plan_->findNearest[key.size()];
     if (!cached) {
         std::string tuple, marks;
         for (std::size_t i = 0; i < key.size(); ++i) {
             tuple += (i ? ", " : "") + quoteName(keyNames_[i]);
             marks += i ? ", ?" : "?";
         }
-        cached = &statement(plan_->selectFrom + whereFilter("(" + tuple + ") >= (" + marks + ")") +
+        cached = held(plan_->selectFrom + whereFilter("(" + tuple + ") >= (" + marks + ")") +
                             " order by " + plan_->order + " limit 1");
     }
     bindKey(*cached, 1, key, false);

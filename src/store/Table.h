@@ -66,7 +66,9 @@ protected:
 
 private:
     struct Plan;
+    // A statement for this call only, and one that the plan keeps.
     Statement& statement(const std::string& sql);
+    std::shared_ptr<Statement> held(const std::string& sql);
     void buildPlan();
     std::string whereFilter(const std::string& extra) const;
     // Loads the row found by `stmt` (already stepped); false when there was none.

@@ -89,8 +89,8 @@ public:
         info.TemplateID = 1;
         info.JobNumber = 1;
         info.PalletNumber = "7";
-        form_->PrepareJob(info);
-        form_->BuildJobFromTemplate();
+        info.MessageGate = &gate_;
+        ASSERT_TRUE(form_->OpenJob(info));
         // The operator's work, one mark per line in a column the build leaves empty.
         auto q = DM().NewLocalQuery();
         q->setSql("update Jobs set Path = 'op' || Line_Number");
@@ -175,6 +175,7 @@ private:
 
     testsupport::CellFixture cell_{true};
     std::mt19937 random_;
+    common::BoolMessageGate gate_{false};
     std::unique_ptr<TdlgJob> form_;
     bool pasted_ = false;
 };

@@ -1,0 +1,184 @@
+#include "JobScript.h"
+
+#include "common/Convert.h"
+#include "common/Format.h"
+#include "job/Job.h"
+#include "store/DataMod.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QListWidget>
+#include <QSpinBox>
+
+#include <iostream>
+
+namespace app {
+
+namespace {
+
+// Line breaks shown as the two characters \n.
+std::string oneLine(const std::string& text) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n')
+            continue;
+        if (text[i] == '\r' || text[i] == '\n')
+            out += "\\n";
+        else
+            out += text[i];
+    }
+    return out;
+}
+
+int integerArgument(const std::string& argument, int low, int high) {
+    const auto value = common::tryStrToInt(argument);
+    if (!value || *value < low || *value > high)
+        throw ScriptError("'" + argument + "' is not a number from " + std::to_string(low) +
+                          " to " + std::to_string(high));
+    return *value;
+}
+
+bool onOff(const std::string& argument) {
+    if (argument == "on")
+        return true;
+    if (argument == "off")
+        return false;
+    throw ScriptError("'" + argument + "' is neither on nor off");
+}
+
+void noArgument(const std::string& argument) {
+    if (!argument.empty())
+        throw ScriptError("takes no argument, not '" + argument + "'");
+}
+
+void printList(const QListWidget* list) {
+    for (int i = 0; i < list->count(); ++i)
+        std::cout << list->item(i)->text().toStdString() << '\n';
+}
+
+// The job's rows as they stand in the store, without moving the form's cursor.
+void printRows(const TdlgJob& form) {
+    auto query = DM().NewLocalQuery();
+    query->setSql(common::format(
+        "select Line_Number, Node_Level, Code, Syntax_Item, Image, State, Value_1, Value_2, "
+        "Value_3, Value_4, Value_5, Value_6, Script_Line from Jobs where Pallet_Number = %d and "
+        "Job_Number = %d order by Line_Number",
+        {form.PalletNumber(), form.JobNumber()}));
+    query->open();
+    for (; !query->eof(); query->next()) {
+        for (int column = 0; column < query->fieldCount(); ++column)
+            std::cout << (column ? "\t" : "") << query->fields(column).asString();
+        std::cout << '\n';
+    }
+    std::cout.flush();
+}
+
+} // namespace
+
+std::optional<common::ModalResult> parseAnswer(const std::string& word) {
+    if (word == "ok")
+        return common::ModalResult::Ok;
+    if (word == "cancel")
+        return common::ModalResult::Cancel;
+    if (word == "yes")
+        return common::ModalResult::Yes;
+    if (word == "no")
+        return common::ModalResult::No;
+    return std::nullopt;
+}
+
+ScriptUi::ScriptUi(std::vector<std::string> lines, std::optional<common::ModalResult> answer)
+    : lines_(std::move(lines)), runAnswer_(answer) {
+    addActions();
+}
+
+void ScriptUi::addActions() {
+    // The program page and the options page: the operator sets the controls; their handlers run.
+    actions_["program"] = [](TdlgJob& form, const std::string& argument) {
+        form.spnProgramNumber->setValue(integerArgument(argument, 0, 7999));
+    };
+    actions_["numbers"] = [](TdlgJob& form, const std::string& argument) {
+        form.chkLineNumbers->setChecked(onOff(argument));
+    };
+    actions_["increment"] = [](TdlgJob& form, const std::string& argument) {
+        form.spinIncrement->setValue(integerArgument(argument, 1, 500));
+    };
+    actions_["answer"] = [this](TdlgJob&, const std::string& argument) {
+        const auto answer = parseAnswer(argument);
+        if (!answer)
+            throw ScriptError("'" + argument + "' is no answer (ok, cancel, yes, no)");
+        nextAnswer_ = answer;
+    };
+    actions_["rows"] = [](TdlgJob& form, const std::string& argument) {
+        noArgument(argument);
+        printRows(form);
+    };
+    actions_["sample"] = [](TdlgJob& form, const std::string& argument) {
+        noArgument(argument);
+        printList(form.lstSample);
+    };
+    actions_["machines"] = [](TdlgJob& form, const std::string& argument) {
+        noArgument(argument);
+        for (int i = 0; i < form.cmbMachines->count(); ++i)
+            std::cout << form.cmbMachines->itemText(i).toStdString() << '\n';
+    };
+}
+
+void ScriptUi::run(TdlgJob& form) {
+    for (std::size_t number = 1; number <= lines_.size(); ++number) {
+        std::string line = common::trim(lines_[number - 1]);
+        if (line.empty() || line[0] == '#')
+            continue;
+        const auto space = line.find(' ');
+        const std::string name = line.substr(0, space);
+        const std::string argument =
+            space == std::string::npos ? std::string() : common::trim(line.substr(space + 1));
+        const auto action = actions_.find(name);
+        try {
+            if (action == actions_.end())
+                throw ScriptError("unknown action '" + name + "'");
+            action->second(form, argument);
+        } catch (const ScriptError& e) {
+            throw ScriptError("script line " + std::to_string(number) + ": " + name + ": " +
+                              e.what());
+        }
+        std::cout.flush();
+    }
+}
+
+common::ModalResult ScriptUi::take(common::ModalResult fallback) {
+    if (nextAnswer_) {
+        const auto answer = *nextAnswer_;
+        nextAnswer_.reset();
+        return answer;
+    }
+    return runAnswer_.value_or(fallback);
+}
+
+common::ModalResult ScriptUi::message(common::MessageKind, const std::string& text,
+                                      common::MessageButtons buttons, const std::string&) {
+    std::cout.flush();
+    std::cerr << "message: " << oneLine(text) << std::endl;
+    const bool okFirst =
+        buttons == common::MessageButtons::Ok || buttons == common::MessageButtons::OkCancel;
+    return take(okFirst ? common::ModalResult::Ok : common::ModalResult::Yes);
+}
+
+bool ScriptUi::openFile(const common::FileDialogRequest&, std::string&) { return false; }
+
+bool ScriptUi::saveFile(const common::FileDialogRequest&, std::string&) { return false; }
+
+common::ModalResult ScriptUi::showModal(QWidget* form) {
+    if (auto* wizard = qobject_cast<TdlgJob*>(form)) {
+        // The showing: the form activates, the operator acts, the form closes.
+        wizard->FormActivate();
+        run(*wizard);
+        wizard->done(QDialog::Rejected);
+        return common::ModalResult::Cancel;
+    }
+    const QVariant fallback = form ? form->property("defaultModalResult") : QVariant();
+    return take(fallback.isValid() ? static_cast<common::ModalResult>(fallback.toInt())
+                                   : common::ModalResult::Cancel);
+}
+
+} // namespace app
