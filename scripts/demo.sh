@@ -10,3 +10,11 @@ cell=${QUORVEL_CELL:-$PWD/build/cell}
 # The main job: the demo template built for pallet 7, job 1, without a window.
 # Columns: line number, node level, code, script line.
 ./build/quorvel build --cell "$cell" --template 1 --pallet 7 --job 1
+# The wizard on that job without a window: program number, line numbering and its sample.
+./build/quorvel job --cell "$cell" --template 1 --pallet 7 --job 1 --script - <<'SCRIPT'
+machines
+program 7
+numbers on
+increment 10
+sample
+SCRIPT

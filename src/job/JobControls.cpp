@@ -94,7 +94,7 @@ void TdlgJob::buildTopPanel() {
     pnlTop->setGeometry(0, 0, DesignWidth, 38);
     txtTemplateName = label(pnlTop, "txtTemplateName", "Template Name:", 8, 11);
     dbtTemplateName = named(new dialogs::TDBText(pnlTop), "dbtTemplateName");
-    dbtTemplateName->setGeometry(104, 11, 300, 17);
+    dbtTemplateName->setGeometry(txtTemplateName->geometry().right() + 8, 11, 300, 17);
     QFont bold = dbtTemplateName->font();
     bold.setBold(true);
     dbtTemplateName->setFont(bold);

@@ -4,6 +4,7 @@
 // main provides the QApplication.
 #include "job/Job.h"
 #include "store/DataMod.h"
+#include "template/Template.h"
 #include "support/CellFixture.h"
 
 #include <QApplication>
@@ -29,6 +30,7 @@ protected:
     }
     void TearDown() override {
         form.reset();
+        FreeDlgTemplate(); // opening a job loads the tree through the template editor
         FreeDM();
         EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
     }
