@@ -2,6 +2,7 @@
 
 #include "common/Convert.h"
 #include "common/Format.h"
+#include "dialogs/Message.h"
 #include "job/Job.h"
 #include "store/DataMod.h"
 
@@ -175,6 +176,11 @@ common::ModalResult ScriptUi::showModal(QWidget* form) {
         run(*wizard);
         wizard->done(QDialog::Rejected);
         return common::ModalResult::Cancel;
+    }
+    // The gated notice is a message like any other for the reader of standard error.
+    if (auto* box = qobject_cast<TdlgMessage*>(form)) {
+        std::cout.flush();
+        std::cerr << "message: " << oneLine(box->txtMessage->text().toStdString()) << std::endl;
     }
     const QVariant fallback = form ? form->property("defaultModalResult") : QVariant();
     return take(fallback.isValid() ? static_cast<common::ModalResult>(fallback.toInt())

@@ -67,6 +67,22 @@ QIcon markIcon(const QColor& color, bool ring = false) {
     return QIcon(pixmap);
 }
 
+// A check box picture of the tree's state images.
+QIcon checkIcon(bool checked) {
+    QPixmap pixmap(16, 16);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setPen(QPen(QColor(90, 90, 90), 1));
+    p.setBrush(Qt::white);
+    p.drawRect(2, 2, 11, 11);
+    if (checked) {
+        p.setRenderHint(QPainter::Antialiasing);
+        p.setPen(QPen(QColor(30, 110, 200), 2));
+        p.drawPolyline(QPolygonF({QPointF(4.5, 8), QPointF(7, 10.5), QPointF(11.5, 4.5)}));
+    }
+    return QIcon(pixmap);
+}
+
 } // namespace
 
 TdlgJob::TdlgJob(QWidget* parent) : QDialog(parent) {
@@ -164,21 +180,23 @@ void TdlgJob::buildTreeTab() {
     pageScript->addTab(tabTree, "Tree View");
     tvwTemplate = named(new tree::TTreeView(tabTree), "tvwTemplate");
     tvwTemplate->setHeaderHidden(true);
-    tvwTemplate->setGeometry(4, 4, 260, 360);
+    tvwTemplate->setGeometry(4, 4, 240, 360);
     tvwTemplate->setFocusPolicy(Qt::StrongFocus);
     // Images by Image: 1 open, 2 finished, 3 skipped.
     tree::SetImageList(tvwTemplate, {QIcon(), markIcon(QColor(230, 160, 30), true),
                                      markIcon(QColor(40, 160, 60)), markIcon(QColor(150, 150, 150))});
-    const int x = 272;
-    btnExpand = button(tabTree, "btnExpand", "Expand All", QRect(x, 4, 150, 28));
-    btnCollapse = button(tabTree, "btnCollapse", "Collapse All", QRect(x, 36, 150, 28));
-    btnCopy = button(tabTree, "btnCopy", "Copy", QRect(x, 80, 150, 28));
-    btnPaste = button(tabTree, "btnPaste", "Paste", QRect(x, 112, 150, 28));
-    btnSkip = button(tabTree, "btnSkip", "Skip This Workpiece", QRect(x, 156, 150, 28));
+    // States by State: 1 a sub-item left out of the line, 2 one in use.
+    tree::SetStateImageList(tvwTemplate, {QIcon(), checkIcon(false), checkIcon(true)});
+    const int x = 250;
+    btnExpand = button(tabTree, "btnExpand", "Expand All", QRect(x, 4, 190, 28));
+    btnCollapse = button(tabTree, "btnCollapse", "Collapse All", QRect(x, 36, 190, 28));
+    btnCopy = button(tabTree, "btnCopy", "Copy", QRect(x, 80, 190, 28));
+    btnPaste = button(tabTree, "btnPaste", "Paste", QRect(x, 112, 190, 28));
+    btnSkip = button(tabTree, "btnSkip", "Skip This Workpiece", QRect(x, 156, 190, 28));
     btnSkip->setCheckable(true);
-    btnSkipDown = button(tabTree, "btnSkipDown", "Skip Remaining Workpieces", QRect(x, 188, 150, 28));
-    btnUnskip = button(tabTree, "btnUnskip", "Unskip All Workpieces", QRect(x, 220, 150, 28));
-    btnNext = button(tabTree, "btnNext", "Check Syntax and Advance", QRect(x, 300, 150, 40));
+    btnSkipDown = button(tabTree, "btnSkipDown", "Skip Remaining Workpieces", QRect(x, 188, 190, 28));
+    btnUnskip = button(tabTree, "btnUnskip", "Unskip All Workpieces", QRect(x, 220, 190, 28));
+    btnNext = button(tabTree, "btnNext", "Check Syntax and Advance", QRect(x, 300, 190, 40));
     btnNext->setDefault(true);
     QFont bold = btnNext->font();
     bold.setBold(true);

@@ -84,8 +84,7 @@ bool isLastSection(const QTreeWidgetItem* node) {
 
 // The part of a line by the current Syntax row's Type: 1 and 3 from the mask and the value
 // boxes, 2 and 4 the Syntax text, any other type the column `other`.
-std::string composePart(TdlgJob& form, int type, bool save,
-                               const char* other = schema::Syntax_) {
+std::string composePart(TdlgJob& form, int type, bool save, const char* other = schema::Syntax_) {
     if (type == 1 || type == 3)
         return form.ComposeScriptLine(save);
     if (type == 2 || type == 4)
@@ -455,8 +454,7 @@ std::string TdlgJob::WorkpieceRangeText(QTreeWidgetItem* Node) {
         entry = &workpieceAt(FWorkpieces, entry->RangeStart - 1);
     if (entry->FirstPiece == entry->RangeStart && entry->RangeStart == entry->RangeEnd)
         return "Unique Workpiece";
-    return "(" + std::to_string(entry->RangeStart) + " - " + std::to_string(entry->RangeEnd) +
-           ")";
+    return "(" + std::to_string(entry->RangeStart) + " - " + std::to_string(entry->RangeEnd) + ")";
 }
 
 void TdlgJob::UpdateCopyPasteButtons() {

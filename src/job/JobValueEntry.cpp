@@ -23,7 +23,8 @@ void TdlgJob::lstSyntaxClick(QObject* Sender) {
     jobs.post();
     syntax.findNearest({FCurrentCode, index + 1, FParentCode});
     dbeValue1->setUpperCase(FCurrentCode == "COMMENT");
-    txtSyntaxDesc->setText(QString::fromStdString(syntax.fieldByName(schema::Description).asString()));
+    txtSyntaxDesc->setText(
+        QString::fromStdString(syntax.fieldByName(schema::Description).asString()));
 
     QTreeWidgetItem* node = SelectedNode();
     const bool withSubItems = tree::NodeLevel(node) == 2 || (node && node->childCount() > 0);

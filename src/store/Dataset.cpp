@@ -141,8 +141,9 @@ void Dataset::requireActive() const {
 }
 
 int Dataset::fieldIndex(std::string_view name) const {
+    // Names of another length are passed over without comparing letters.
     for (std::size_t i = 0; i < names_.size(); ++i)
-        if (common::sameText(names_[i], name))
+        if (names_[i].size() == name.size() && common::sameText(names_[i], name))
             return static_cast<int>(i);
     return -1;
 }

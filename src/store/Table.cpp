@@ -58,6 +58,15 @@ struct Table::Plan {
     std::string pinnedMarks;
     std::vector<Held> findKey;     // by number of key values
     std::vector<Held> findNearest; // by number of key values
+    // Made at first use: the count under the filter, the position counts, the writes.
+    std::vector<std::string> quoted; // column names, quoted
+    Held count;
+    Held recNo;
+    Held recNoPinned;
+    std::vector<Held> insert; // by number of values
+    Held deleteRow;
+    std::vector<bool> updateColumns; // the columns that `update` sets
+    Held update;
 };
 
 Table::Table(Database& database, std::string tableName)
@@ -71,8 +80,6 @@ FieldType Table::fieldType(int index) const {
     const auto i = static_cast<std::size_t>(index);
     return i < types_.size() ? types_[i] : FieldType::String;
 }
-
-Statement& Table::statement(const std::string& sql) { return database_->cached(sql); }
 
 std::shared_ptr<Statement> Table::held(const std::string& sql) { return database_->shared(sql); }
 
@@ -203,10 +210,10 @@ void Table::buildPlan() {
     marks = "(" + marks + ")";
     p.first = held(p.selectFrom + whereFilter("") + " order by " + p.order + " limit 1");
     p.last = held(p.selectFrom + whereFilter("") + " order by " + p.orderDesc + " limit 1");
-    p.next = held(p.selectFrom + whereFilter(p.tuple + " > " + marks) + " order by " +
-                        p.order + " limit 1");
+    p.next = held(p.selectFrom + whereFilter(p.tuple + " > " + marks) + " order by " + p.order +
+                  " limit 1");
     p.prior = held(p.selectFrom + whereFilter(p.tuple + " < " + marks) + " order by " +
-                         p.orderDesc + " limit 1");
+                   p.orderDesc + " limit 1");
     p.byRowid = held(p.selectFrom + " where _rowid_ = ?");
     if (!p.where.empty() && !keyNames_.empty()) {
         if (auto terms = equalityTerms(filter_)) {
@@ -229,17 +236,19 @@ void Table::buildPlan() {
         }
         p.pinnedTuple = "(" + p.pinnedTuple + ")";
         p.pinnedMarks = "(" + p.pinnedMarks + ")";
-        p.nextPinned =
-            held(p.selectFrom + whereFilter(p.pinnedTuple + " > " + p.pinnedMarks) +
-                       " order by " + p.order + " limit 1");
-        p.priorPinned =
-            held(p.selectFrom + whereFilter(p.pinnedTuple + " < " + p.pinnedMarks) +
-                       " order by " + p.orderDesc + " limit 1");
+        p.nextPinned = held(p.selectFrom + whereFilter(p.pinnedTuple + " > " + p.pinnedMarks) +
+                            " order by " + p.order + " limit 1");
+        p.priorPinned = held(p.selectFrom + whereFilter(p.pinnedTuple + " < " + p.pinnedMarks) +
+                             " order by " + p.orderDesc + " limit 1");
     } else {
         p.pinned.clear();
     }
     p.findKey.assign(keyNames_.size() + 1, nullptr);
     p.findNearest.assign(keyNames_.size() + 1, nullptr);
+    p.quoted.reserve(names_.size());
+    for (auto& name : names_)
+        p.quoted.push_back(quoteName(name));
+    p.insert.assign(names_.size() + 1, nullptr);
 }
 
 bool Table::loadRow(Statement& stmt) {
@@ -385,7 +394,9 @@ void Table::prior() {
 
 int Table::recordCount() {
     requireActive();
-    auto& stmt = statement("select count(*) from " + quoteName(tableName_) + whereFilter(""));
+    if (!plan_->count)
+        plan_->count = held("select count(*) from " + quoteName(tableName_) + whereFilter(""));
+    auto& stmt = *plan_->count;
     stmt.step();
     const auto n = stmt.columnInteger(0);
     stmt.reset();
@@ -397,15 +408,19 @@ int Table::recNo() {
     if (!hasRow_)
         return 0;
     const int from = withinPinned(row_) ? static_cast<int>(plan_->pinned.size()) : 0;
-    std::string tuple = from ? plan_->pinnedTuple : plan_->tuple;
-    std::string marks = from ? plan_->pinnedMarks : std::string();
-    if (!from) {
-        for (int i = 0; i < plan_->tupleSize; ++i)
-            marks += i ? ", ?" : "?";
-        marks = "(" + marks + ")";
+    auto& slot = from ? plan_->recNoPinned : plan_->recNo;
+    if (!slot) {
+        std::string tuple = from ? plan_->pinnedTuple : plan_->tuple;
+        std::string marks = from ? plan_->pinnedMarks : std::string();
+        if (!from) {
+            for (int i = 0; i < plan_->tupleSize; ++i)
+                marks += i ? ", ?" : "?";
+            marks = "(" + marks + ")";
+        }
+        slot = held("select count(*) from " + quoteName(tableName_) +
+                    whereFilter(tuple + " <= " + marks));
     }
-    auto& stmt = statement("select count(*) from " + quoteName(tableName_) +
-                           whereFilter(tuple + " <= " + marks));
+    auto& stmt = *slot;
     bindPosition(stmt, from, row_, rowid_);
     stmt.step();
     const auto n = stmt.columnInteger(0);
@@ -427,8 +442,8 @@ bool Table::findKey(const std::vector<Value>& key) {
         std::string condition;
         for (std::size_t i = 0; i < key.size(); ++i)
             condition += (i ? " and " : "") + quoteName(keyNames_[i]) + " = ?";
-        cached = held(plan_->selectFrom + whereFilter(condition) + " order by " +
-                            plan_->order + " limit 1");
+        cached = held(plan_->selectFrom + whereFilter(condition) + " order by " + plan_->order +
+                      " limit 1");
     }
     // loadRow leaves the current row alone when nothing matches.
     bindKey(*cached, 1, key, false);
@@ -456,7 +471,7 @@ void Table::findNearest(const std::vector<Value>& key) {
             marks += i ? ", ?" : "?";
         }
         cached = held(plan_->selectFrom + whereFilter("(" + tuple + ") >= (" + marks + ")") +
-                            " order by " + plan_->order + " limit 1");
+                      " order by " + plan_->order + " limit 1");
     }
     bindKey(*cached, 1, key, false);
     if (loadRow(*cached)) {
@@ -476,23 +491,30 @@ void Table::post() {
     if (state() != DatasetState::Edit && state() != DatasetState::Insert)
         return;
     notifyBeforePost();
-    std::string sets;
     std::vector<Value> values;
     bool aliasChanged = false;
     for (std::size_t i = 0; i < modified_.size(); ++i) {
         if (!modified_[i])
             continue;
-        sets += (sets.empty() ? "" : ", ") + quoteName(names_[i]) + " = ?";
         values.push_back(coerce(static_cast<int>(i), editRow_[i]));
         if (static_cast<int>(i) == rowidAlias_)
             aliasChanged = true;
     }
-    if (sets.empty()) {
+    if (values.empty()) {
         cancel();
         return;
     }
-    auto& stmt =
-        statement("update " + quoteName(tableName_) + " set " + sets + " where _rowid_ = ?");
+    // The statement of the last set of columns posted is kept: a routine posts the same ones.
+    if (!plan_->update || plan_->updateColumns != modified_) {
+        std::string sets;
+        for (std::size_t i = 0; i < modified_.size(); ++i)
+            if (modified_[i])
+                sets += (sets.empty() ? "" : ", ") + plan_->quoted[i] + " = ?";
+        plan_->update =
+            held("update " + quoteName(tableName_) + " set " + sets + " where _rowid_ = ?");
+        plan_->updateColumns = modified_;
+    }
+    auto& stmt = *plan_->update;
     int index = 1;
     for (auto& v : values)
         stmt.bind(index++, v);
@@ -532,7 +554,9 @@ void Table::deleteRecord() {
         return;
     const auto deletedRow = row_;
     const auto deletedRowid = rowid_;
-    auto& del = statement("delete from " + quoteName(tableName_) + " where _rowid_ = ?");
+    if (!plan_->deleteRow)
+        plan_->deleteRow = held("delete from " + quoteName(tableName_) + " where _rowid_ = ?");
+    auto& del = *plan_->deleteRow;
     del.bind(1, Value(static_cast<long long>(rowid_)));
     database_->bumpGeneration();
     del.run();
@@ -555,18 +579,22 @@ void Table::insertRecord(const std::vector<Value>& values) {
                          std::to_string(names_.size()) + " columns");
     if (beforeInsert && !beforeInsert())
         return;
-    std::string sql = "insert into " + quoteName(tableName_);
-    if (values.empty()) {
-        sql += " default values";
-    } else {
-        std::string columns, marks;
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            columns += (i ? ", " : "") + quoteName(names_[i]);
-            marks += i ? ", ?" : "?";
+    auto& slot = plan_->insert[values.size()];
+    if (!slot) {
+        std::string sql = "insert into " + quoteName(tableName_);
+        if (values.empty()) {
+            sql += " default values";
+        } else {
+            std::string columns, marks;
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                columns += (i ? ", " : "") + plan_->quoted[i];
+                marks += i ? ", ?" : "?";
+            }
+            sql += " (" + columns + ") values (" + marks + ")";
         }
-        sql += " (" + columns + ") values (" + marks + ")";
+        slot = held(sql);
     }
-    auto& stmt = statement(sql);
+    auto& stmt = *slot;
     for (std::size_t i = 0; i < values.size(); ++i)
         stmt.bind(static_cast<int>(i) + 1, values[i]);
     database_->bumpGeneration();

@@ -66,8 +66,7 @@ protected:
 
 private:
     struct Plan;
-    // A statement for this call only, and one that the plan keeps.
-    Statement& statement(const std::string& sql);
+    // A statement through the database's cache, held by the caller beyond an eviction from it.
     std::shared_ptr<Statement> held(const std::string& sql);
     void buildPlan();
     std::string whereFilter(const std::string& extra) const;

@@ -1,5 +1,8 @@
 #include "template/TreeNodes.h"
 
+#include <QPainter>
+#include <map>
+
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QSignalBlocker>
@@ -45,6 +48,8 @@ public:
     }
 
     std::vector<QIcon> icons;
+    std::vector<QIcon> stateIcons;
+    std::map<std::pair<int, int>, QIcon> composed; // state icon beside image icon
 
 private:
     void refresh() {
@@ -97,9 +102,29 @@ void applyIcon(QTreeWidgetItem* node) {
     QTreeWidget* tree = node->treeWidget();
     if (!tree)
         return;
-    const auto& icons = indexOf(tree).icons;
+    auto& index = indexOf(tree);
+    const auto pick = [](const std::vector<QIcon>& icons, int at) {
+        return at >= 0 && at < static_cast<int>(icons.size()) ? icons[static_cast<std::size_t>(at)]
+                                                              : QIcon();
+    };
     const int image = ImageIndex(node);
-    node->setIcon(0, image >= 0 && image < static_cast<int>(icons.size()) ? icons[image] : QIcon());
+    if (index.stateIcons.empty()) {
+        node->setIcon(0, pick(index.icons, image));
+        return;
+    }
+    // With state images every node shows a slot for its state before its image.
+    const int state = StateIndex(node);
+    auto& icon = index.composed[{image, state}];
+    if (icon.isNull()) {
+        QPixmap pixmap(34, 16);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        pick(index.stateIcons, state).paint(&painter, 0, 0, 16, 16);
+        pick(index.icons, image).paint(&painter, 18, 0, 16, 16);
+        painter.end();
+        icon = QIcon(pixmap);
+    }
+    node->setIcon(0, icon);
 }
 
 QTreeWidgetItem* newNode(const QString& text, CommandSetupPtr setup) {
@@ -206,7 +231,10 @@ int StateIndex(const QTreeWidgetItem* node) {
     return v.isValid() ? v.toInt() : DefaultStateIndex;
 }
 
-void SetStateIndex(QTreeWidgetItem* node, int index) { node->setData(0, StateRole, index); }
+void SetStateIndex(QTreeWidgetItem* node, int index) {
+    node->setData(0, StateRole, index);
+    applyIcon(node);
+}
 
 TCommandSetup* NodeObject(const QTreeWidgetItem* node) { return NodeSetup(node).get(); }
 
@@ -220,8 +248,17 @@ void SetNodeSetup(QTreeWidgetItem* node, CommandSetupPtr setup) {
     node->setData(0, SetupRole, QVariant::fromValue(std::move(setup)));
 }
 
+void SetStateImageList(QTreeWidget* tree, std::vector<QIcon> icons) {
+    indexOf(tree).stateIcons = std::move(icons);
+    indexOf(tree).composed.clear();
+    tree->setIconSize(QSize(34, 16));
+    for (QTreeWidgetItem* node : indexOf(tree).nodes())
+        applyIcon(node);
+}
+
 void SetImageList(QTreeWidget* tree, std::vector<QIcon> icons) {
     indexOf(tree).icons = std::move(icons);
+    indexOf(tree).composed.clear();
     for (QTreeWidgetItem* node : indexOf(tree).nodes())
         applyIcon(node);
 }

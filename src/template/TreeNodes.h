@@ -69,6 +69,8 @@ void SetNodeSetup(QTreeWidgetItem* node, CommandSetupPtr setup);
 
 // Icons shown for image indexes on this tree; an index without an icon shows none.
 void SetImageList(QTreeWidget* tree, std::vector<QIcon> icons);
+// Icons shown for state indexes, before the image of each node.
+void SetStateImageList(QTreeWidget* tree, std::vector<QIcon> icons);
 
 // ---- Building and changing ----
 

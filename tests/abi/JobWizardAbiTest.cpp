@@ -1,0 +1,150 @@
+// The job wizard through the C ABI on the demo cell: the host's "GetJobInfo", gate and application.
+#include "RobocutAbi.h"
+#include "support/TestSupport.h"
+
+#include <QApplication>
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+namespace {
+
+// Runs statements on a database of the cell; the first column of the first row they yield.
+std::string sql(const std::string& cell, const std::string& statements,
+                const std::string& file = "Quorvel.db") {
+    std::string first;
+    sqlite3* db = nullptr;
+    sqlite3_open((cell + "/" + file).c_str(), &db);
+    const auto keep = [](void* out, int, char** values, char**) {
+        *static_cast<std::string*>(out) = values[0] ? values[0] : "";
+        return 1; // one row is enough
+    };
+    sqlite3_exec(db, statements.c_str(), keep, &first, nullptr);
+    sqlite3_close(db);
+    return first;
+}
+
+bool failed = false;
+void check(bool ok, const std::string& what) {
+    if (!ok)
+        std::cerr << "failed: " << what << '\n';
+    failed = failed || !ok;
+}
+
+const std::string jobRows = "select count(*) from Jobs where Pallet_Number = 7 and Job_Number = 1";
+const std::string templateRows = "select count(*) from TemplateData where Template_ID = 1";
+const std::string version =
+    "select Value_2 from Jobs where Pallet_Number = 7 and Job_Number = 1 and Line_Number = 0";
+
+// The module in a host on the cell: messages counted and answered with OK; pallet 7, job 1.
+#define RC(name) reinterpret_cast<decltype(&name)>(dlsym(lib, #name))
+struct Host {
+    explicit Host(const std::string& cell)
+        : lib(dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW)), cell(cell) {
+        RC(RcSetHostCallbacks)(&callbacks);
+        check(RC(Initialize)(cell.c_str(), cell.c_str(), 0, 0) == 0, "Initialize");
+        info.TemplateID = info.JobNumber = info.Unattended = 1;
+        info.PalletNumber = "7";
+        info.MessageGate = &gate;
+    }
+    int32_t wizard() { return RC(JobWizard)(&info); }
+    std::string error() { return RC(RcLastError)(); }
+    void* lib;
+    std::string cell;
+    int messages = 0;
+    uint8_t gate = 0;
+    RcHostCallbacks callbacks{
+        &messages, nullptr, nullptr,
+        [](void* n, int32_t, const char*, int32_t) { return ++*static_cast<int*>(n), 1; }};
+    RcJobWizardInfo info{};
+};
+
+void reportCase(Host& host) {
+    sql(host.cell, "insert into JobQueue values (7, 1, 'O0007.NC', 'O0007.NC,P4.NC')", "ZEL.db");
+    void* lib = dlopen(QUORVEL_TEST_HOST_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    const auto calls = reinterpret_cast<int32_t (*)()>(dlsym(lib, "TestHostCalls"));
+    const auto report = reinterpret_cast<const char* (*)()>(dlsym(lib, "TestHostReport"));
+    host.info.HostModule = lib;
+    host.info.HostTag = 42;
+    host.info.HostText1 = "first";
+    host.info.HostFlag1 = 1;
+    host.info.HostFlag2 = 2;
+    const auto expect = [&](int count, const std::string& job, const std::string& machine,
+                            const std::string& command, const std::string& files) {
+        const std::string wanted =
+            "HostTag=42\nJobNumber=" + job +
+            "\nHostText1=first\nHostText2=\nMachineText=" + machine +
+            "\nPalletNumber=7\nCommandFile=" + command +
+            "\nAutomationText1=\nCommandText=\nFileList=" + files +
+            "\nAutomationText2=\nAutomationFlag1=0\nAutomationFlag2=0\nHostFlag1=1\nHostFlag2=2\n";
+        check(host.wizard() == 0 && calls() == count, "a report: " + host.error());
+        check(report() == wanted, std::string("report:\n") + report() + "wanted:\n" + wanted);
+    };
+    expect(1, "1", "FANUC Robocut", "O0007.NC", "O0007.NC,P4.NC");
+    check(sql(host.cell, jobRows) == sql(host.cell, templateRows), "job built without a window");
+    host.info.JobNumber = 2; // no queue row
+    host.info.MachineText = "Cell machine";
+    expect(2, "2", "Cell machine", "", "");
+    check(host.messages == 0, "no message");
+
+    host.info.HostModule = nullptr;
+    check(host.wizard() == 0 && calls() == 2, "no host library: no report");
+    host.info.HostModule = dlopen(QUORVEL_TEST_HOST_BARE_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    check(host.wizard() == 0 && calls() == 2, "host library without GetJobInfo");
+}
+
+void gateCase(Host& host) {
+    check(host.wizard() == 0, "first run: " + host.error());
+    const std::string built = sql(host.cell, version);
+    // The template gains a line at its end, journalled under a new version.
+    sql(host.cell, "insert into TemplateData select 1, count(*), 1, 'FLUSH', 0, '', '', '', '', "
+                   "'', '', '', 0, 0 from TemplateData where Template_ID = 1;"
+                   "insert into TemplateVersion select 1, Version + 1, 0, (select max(Item) from "
+                   "TemplateData where Template_ID = 1), 'ADD', 'FLUSH', 1 from TemplateName;"
+                   "update TemplateName set Version = Version + 1 where Template_ID = 1");
+    host.info.MessageGate = nullptr;
+    check(host.wizard() == -1 && host.error().find("gate") != std::string::npos,
+          "an outdated job without a gate fails: " + host.error());
+    check(sql(host.cell, version) == built, "job left at its version");
+
+    host.info.MessageGate = &host.gate;
+    check(host.wizard() == 0, "closed gate: " + host.error());
+    const std::string updated = sql(host.cell, version);
+    check(updated != built && updated == sql(host.cell, "select Version from TemplateName"),
+          "job brought to the template's version");
+    check(sql(host.cell, jobRows) == sql(host.cell, templateRows), "the added line arrived");
+    check(host.gate == 0 && host.messages == 0, "no notice, gate untouched");
+}
+
+// A case on a fresh demo cell in a child process, after the wizard was refused without Qt.
+void runCase(void (*body)(Host&)) {
+    testsupport::TempDir dir;
+    const std::string data = QUORVEL_DATA_DIR "/";
+    for (const char* kind : {"schema_", "demo_"}) {
+        sql(dir.str(), testsupport::readFile(data + kind + "shared.sql"), "ZEL.db");
+        sql(dir.str(), testsupport::readFile(data + kind + "local.sql"));
+    }
+    const auto child = [&] {
+        Host host(dir.str());
+        check(host.wizard() == -1 && !host.error().empty() && sql(host.cell, jobRows) == "0",
+              "refused without Qt");
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        int argc = 1;
+        char name[] = "host";
+        char* argv[] = {name, nullptr};
+        const QApplication app(argc, argv);
+        body(host);
+        std::_Exit(failed ? 1 : 0);
+    };
+    EXPECT_EXIT(child(), ::testing::ExitedWithCode(0), "");
+}
+
+} // namespace
+
+TEST(CAbiJobWizard, UnattendedRunReportsToTheHostsGetJobInfo) { runCase(reportCase); }
+
+TEST(CAbiJobWizard, NeedsTheHostsApplicationAndAGateForAnOutdatedJob) { runCase(gateCase); }

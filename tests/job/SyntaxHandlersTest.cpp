@@ -1,0 +1,282 @@
+// Syntax item handlers and value entry on the demo job of pallet 7, opened as the host opens it:
+// command lines with sub-items, carry-over of values, joined lines, running numbers, the status
+// roll-up, the radio page, the copy and paste buttons and the error report.
+#include "JobFixture.h"
+
+#include "common/HostApplication.h"
+
+#include <QCheckBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+
+namespace {
+
+class SyntaxHandlersTest : public jobtest::JobFixture {
+protected:
+    void SetUp() override {
+        JobFixture::SetUp();
+        TJobWizardInfo info;
+        info.TemplateID = 1;
+        info.JobNumber = 1;
+        info.PalletNumber = "7";
+        info.MessageGate = &gate;
+        ASSERT_TRUE(form->OpenJob(info));
+    }
+
+    QTreeWidgetItem* node(int line) { return tree::FindNodeByIndex(form->tvwTemplate, line); }
+    void select(int line) { form->SelectNode(node(line)); }
+    // Changes job rows behind the wizard's back, as another statement would.
+    void update(const std::string& set, const std::string& lines) {
+        auto q = DM().NewLocalQuery();
+        q->setSql("update Jobs set " + set + " where Pallet_Number = 7 and Job_Number = 1 and " +
+                  "Line_Number in (" + lines + ")");
+        q->execSQL();
+    }
+
+    // A column of a job row, read past the wizard's table so that no bound box moves.
+    std::string row(int line, const char* column) {
+        auto q = DM().NewLocalQuery();
+        q->setSql(std::string("select ") + column +
+                  " from Jobs where Pallet_Number = 7 and Job_Number = 1 and Line_Number = " +
+                  std::to_string(line));
+        q->open();
+        return q->isEmpty() ? "(no row)" : q->fields(0).asString();
+    }
+
+    common::BoolMessageGate gate{true};
+};
+
+TEST_F(SyntaxHandlersTest, CommandLineTakesCheckedSubItemsUnlessClosed) {
+    // G92 of type 1 on line 9: its sub-item UV is appended; selecting the sub-item composes it.
+    select(10);
+    const std::string open = "G92 X+10.000 Y+5.000 U+0.500 V-0.500";
+    EXPECT_EQ(row(9, "Script_Line"), open);
+    EXPECT_EQ(row(10, "Script_Line"), open);
+    EXPECT_EQ(tree::StateIndex(node(10)), 2);
+
+    // G92 of type 3 on line 21: its own part alone; the checked child shows state 1 in the tree
+    // and stays 2 in the row.
+    select(21);
+    const std::string closed = "G92 X+110.000 Y+5.000 U+0.500 V-0.500";
+    EXPECT_EQ(row(21, "Script_Line"), closed);
+    EXPECT_EQ(row(22, "Script_Line"), closed);
+    EXPECT_EQ(tree::StateIndex(node(22)), 1);
+    EXPECT_EQ(row(22, "State"), "2");
+
+    // A selection command (type 2) with a checked sub-item: the texts joined directly.
+    select(27);
+    form->ComposeCommandLine();
+    EXPECT_EQ(row(27, "Script_Line"), "M01 (CHECK WIRE)");
+    EXPECT_EQ(row(28, "Script_Line"), "M01 (CHECK WIRE)");
+}
+
+TEST_F(SyntaxHandlersTest, ClickCarriesValuesOverByTypeNotPosition) {
+    // G65 item 1 has the include option (8001) in slot 4, item 2 in slot 2.
+    update("Value_4 = '1'", "17");
+    select(17);
+    form->lstSyntax->setCurrentRow(1);
+    form->lstSyntaxClick(form->lstSyntax);
+
+    EXPECT_EQ(row(17, "Syntax_Item"), "2");
+    EXPECT_EQ(row(17, "Value_1"), "9010");
+    EXPECT_EQ(row(17, "Value_2"), "1"); // not "1.5", the old slot 2
+    EXPECT_FALSE(form->chkOption->isHidden());
+    EXPECT_TRUE(form->chkOption->isChecked());
+    EXPECT_EQ(TdlgJob::Tag(form->chkOption), 2);
+    EXPECT_EQ(form->chkOption->text(), "Include File");
+    // A file value: its browse button beside the box.
+    EXPECT_FALSE(form->btnFilename->isHidden());
+    EXPECT_EQ(form->btnFilename->y(), form->dbeValue1->y() + 2);
+    EXPECT_EQ(form->dbeValue1->width(), 243);
+    // The command keeps its checked sub-item ARGC.
+    EXPECT_EQ(row(17, "Script_Line"), "G65 P9010 C+0.250");
+    EXPECT_EQ(form->FSavedValues[1], "1"); // the next choice carries it on
+
+    // Without a sender a filled box keeps its value; with one it gets the global default.
+    select(11);
+    EXPECT_EQ(row(11, "Value_1"), "2.5");
+    EXPECT_EQ(form->dbeValue1->width(), 99);
+    EXPECT_EQ(form->textDefault1->text(), "L");
+    EXPECT_EQ(form->textDefault1->toolTip(), "Local Default");
+    EXPECT_TRUE(form->dbeValue1->font().bold());
+    form->lstSyntaxClick(form->lstSyntax);
+    EXPECT_EQ(row(11, "Value_1"), "2.5"); // carried over: the same value type
+    form->FSavedValueTypes.fill(0);
+    form->lstSyntaxClick(form->lstSyntax);
+    EXPECT_EQ(row(11, "Value_1"), "0.5");
+    EXPECT_EQ(form->textDefault1->text(), "G");
+}
+
+TEST_F(SyntaxHandlersTest, JoinedChainIsTheSameFromAnyOfItsRows) {
+    // OFFSET (15) is flagged by the template; flag G00 (16) too: the chain runs 15 to 17.
+    update("Value_3 = '1'", "16");
+    const std::string chain = "G41 D02 G00 X+60.000 Y+5.000 G65 P9010 A+1.500 B-2.000";
+    select(16);
+    for (int line : {15, 16, 17})
+        EXPECT_EQ(row(line, "Script_Line"), chain) << line;
+    EXPECT_EQ(row(14, "Script_Line"), "#501=0");
+
+    update("Script_Line = ''", "15, 16, 17");
+    select(15);
+    for (int line : {15, 16, 17})
+        EXPECT_EQ(row(line, "Script_Line"), chain) << line;
+    EXPECT_TRUE(form->FEventsEnabled);
+}
+
+TEST_F(SyntaxHandlersTest, TypingRecomposesTheChainAndForgetsTheBrowsedFile) {
+    update("Path = 'P1.NC'", "16");
+    select(16);
+    form->dbeValue1->setCursorPosition(1);
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_5, Qt::NoModifier, "5");
+    QApplication::sendEvent(form->dbeValue1, &key);
+
+    EXPECT_EQ(row(16, "Value_1"), "650");
+    EXPECT_EQ(row(16, "Path"), "");
+    EXPECT_EQ(row(16, "Image"), "1");
+    // OFFSET (15) is flagged to go on with this line.
+    EXPECT_EQ(row(15, "Script_Line"), "G41 D02 G00 X+650.000 Y+5.000");
+    EXPECT_EQ(row(16, "Script_Line"), "G41 D02 G00 X+650.000 Y+5.000");
+    EXPECT_EQ(form->dbeValue1->cursorPosition(), 2);
+    EXPECT_TRUE(form->FEventsEnabled);
+}
+
+TEST_F(SyntaxHandlersTest, ScriptViewShowsSubItemsOnTheirOwnLines) {
+    update("State = 1", "24");
+    form->FEventsEnabled = false; // the walk moves the bound boxes
+    auto& jobs = DM().tableJobs;
+    for (jobs.first(); !jobs.eof(); jobs.next())
+        form->lstScript->addItem(QString::fromStdString(form->ScriptViewLine()));
+    form->FEventsEnabled = true;
+    const auto line = [&](int i) { return form->lstScript->item(i)->text().toStdString(); };
+    ASSERT_EQ(form->lstScript->count(), 30);
+    EXPECT_EQ(line(9), "G92 X+10.000 Y+5.000");
+    EXPECT_EQ(line(10), "   U+0.500 V-0.500"); // two blanks before the mask's own
+    EXPECT_EQ(line(24), "");
+    EXPECT_EQ(line(28), "   (CHECK WIRE)");
+
+    // A line joined with the one above it shows once.
+    form->SetActivePage(form->pageScript, form->tabScript);
+    for (int i : {15, 16}) {
+        form->FLastScriptIndex = i;
+        select(i);
+    }
+    EXPECT_EQ(line(15), "G41 D02 G00 X+60.000 Y+5.000");
+    EXPECT_EQ(line(16), "");
+    EXPECT_EQ(form->lstScript->count(), 30);
+    EXPECT_EQ(form->lstScript->currentRow(), 16);
+}
+
+TEST_F(SyntaxHandlersTest, RunningNumbersCountOnAndStopAtZero) {
+    // Before any number, an earlier empty one counts as 0: nothing is stored.
+    select(14);
+    EXPECT_EQ(row(14, "Value_1"), "");
+    select(8);
+    EXPECT_EQ(row(8, "Value_1"), "1");
+    EXPECT_EQ(row(8, "Script_Line"), "#501=1");
+    select(14);
+    EXPECT_EQ(row(14, "Value_1"), "2");
+    select(20);
+    EXPECT_EQ(row(20, "Value_1"), "3");
+
+    // A filled value is left alone, also when it repeats an earlier number.
+    update("Value_1 = '1'", "20");
+    select(8);
+    select(20);
+    EXPECT_EQ(row(20, "Value_1"), "1");
+
+    // A 0 before it stops the count.
+    update("Value_1 = '0'", "14");
+    update("Value_1 = ''", "20");
+    select(20);
+    EXPECT_EQ(row(20, "Value_1"), "");
+}
+
+TEST_F(SyntaxHandlersTest, NodeImageRollsUpToParentAndSection) {
+    select(9);
+    // A command with sub-items takes its status only from them.
+    form->SetNodeImage(node(9), 1, false);
+    EXPECT_EQ(tree::ImageIndex(node(9)), 2);
+
+    form->SetNodeImage(node(10), 3, false);
+    EXPECT_EQ(tree::ImageIndex(node(9)), 1);
+    EXPECT_EQ(row(9, "Image"), "1");
+    form->SetNodeImage(node(10), 2, false);
+    EXPECT_EQ(tree::ImageIndex(node(9)), 2);
+
+    // The footer's last open line done: the footer is done.
+    EXPECT_EQ(tree::ImageIndex(node(25)), 1);
+    form->SetNodeImage(node(29), 2, false);
+    EXPECT_EQ(tree::ImageIndex(node(25)), 2);
+
+    form->btnNext->setEnabled(false);
+    form->SetNodeImage(node(29), 1, false);
+    EXPECT_TRUE(form->btnNext->isEnabled());
+    EXPECT_EQ(tree::ImageIndex(node(25)), 1);
+}
+
+TEST_F(SyntaxHandlersTest, SelectionPageShowsAtMostSixSyntaxes) {
+    // G54 has seven syntaxes; its line has the local default item 2.
+    select(3);
+    EXPECT_FALSE(form->pnlRadioButtons->isHidden());
+    EXPECT_EQ(form->lstSyntax->count(), 6);
+    for (int n = 1; n <= 6; ++n)
+        EXPECT_FALSE(form->RadioItem(n)->isHidden()) << n;
+    EXPECT_EQ(form->RadioItem(6)->toolTip(), "G59");
+    EXPECT_EQ(form->ItemLabel(1)->y(), form->FItemTop);
+    for (int n = 1; n < 6; ++n)
+        EXPECT_EQ(form->ItemLabel(n + 1)->y(),
+                  form->ItemLabel(n)->y() + form->ItemLabel(n)->height() + 10);
+    EXPECT_TRUE(form->radItem2->isChecked());
+    EXPECT_EQ(form->textDefSyn[1]->text(), "L");
+    EXPECT_EQ(form->textDefSyn[0]->text(), "G");
+
+    // Item 5 is ticked by the click, not by the page's set-up.
+    form->lstSyntax->setCurrentRow(4);
+    form->lstSyntaxClick(form->lstSyntax);
+    EXPECT_TRUE(form->radItem5->isChecked());
+    EXPECT_EQ(row(3, "Syntax_Item"), "5");
+    EXPECT_EQ(row(3, "Script_Line"), "G58");
+    form->radItem1->setChecked(true);
+    form->LocateSyntaxRow("G54", 1, "");
+    form->ShowItemSelection();
+    EXPECT_TRUE(form->radItem1->isChecked());
+}
+
+TEST_F(SyntaxHandlersTest, CopyPasteButtonsAndWorkpieceRanges) {
+    select(16);
+    form->FCopiedNode = node(16);
+    select(29);
+    EXPECT_TRUE(form->btnPaste->isEnabled());
+    select(15);
+    EXPECT_FALSE(form->btnPaste->isEnabled());
+    select(25);
+    EXPECT_FALSE(form->btnCopy->isEnabled());
+    EXPECT_FALSE(form->btnSkipDown->isEnabled());
+
+    // A copied section meets the empty workpiece list.
+    form->FCopiedNode = node(7);
+    EXPECT_THROW(select(13), std::out_of_range);
+
+    // The range rule, for the day the list gets a writer.
+    EXPECT_EQ(form->WorkpieceRangeText(node(7)), "");
+    form->FWorkpieces = {{1, 7, 1, 1}, {2, 13, 2, 3}, {3, 19, 2, 0}};
+    EXPECT_EQ(form->WorkpieceRangeText(node(7)), "Unique Workpiece");
+    EXPECT_EQ(form->WorkpieceRangeText(node(19)), "(2 - 3)");
+    EXPECT_EQ(form->WorkpieceRangeText(node(25)), "");
+    form->FWorkpieces = {{1, 7, 9, 0}};
+    EXPECT_THROW(form->WorkpieceRangeText(node(7)), std::out_of_range);
+}
+
+TEST_F(SyntaxHandlersTest, InputErrorShowsFixedStatusText) {
+    const int beeps = cell.ui.beeps();
+    form->FStopFlag = false;
+    form->LocateSyntaxRow("XYZ", 1, "");
+    EXPECT_EQ(form->FStatusMessage, "Code)");
+    EXPECT_TRUE(form->FStopFlag);
+    EXPECT_EQ(cell.ui.beeps(), beeps + 1);
+}
+
+} // namespace
