@@ -391,6 +391,10 @@ private:
     void buildResultAndStatus();
     void buildMenus();
     void connectHandlers();
+    // The signals of the tree tab, the script view and the syntax and value controls.
+    void connectNavigationHandlers(); // JobNavigation.cpp
+    void connectEntryHandlers();      // JobValueEntry.cpp
+    void connectDefaultMenus();       // JobDefaults.cpp
 
     // Runs a handler for a signal. An error of a handler that code set off (inside ByCode) is
     // kept and raised again where that code continues; an error of the user's own action is

@@ -381,19 +381,9 @@ void TdlgJob::connectHandlers() {
     // Combo boxes: only the operator's choice runs a handler.
     connect(cmbAuxPallet, &QComboBox::activated, this,
             [this] { Event([&] { cmbAuxPalletChange(); }); });
-    // The tree: a selection by the operator; code selects through SelectNode.
-    connect(tvwTemplate, &QTreeWidget::currentItemChanged, this,
-            [this](QTreeWidgetItem* current) {
-                Event([&] { tvwTemplateChange(tvwTemplate, current); });
-            });
-    // The syntax list: a real click passes the list as sender.
-    connect(lstSyntax, &QListWidget::itemClicked, this,
-            [this] { Event([&] { lstSyntaxClick(lstSyntax); }); });
-    for (int n = 1; n <= 6; ++n) {
-        dialogs::TDBEdit* box = ValueEdit(n);
-        connect(box, &QLineEdit::textChanged, this,
-                [this, box] { Event([&] { dbeValueChange(box); }); });
-    }
+    connectNavigationHandlers();
+    connectEntryHandlers();
+    connectDefaultMenus();
 }
 
 void TdlgJob::SetTag(QObject* Control, int Tag) { Control->setProperty("tag", Tag); }

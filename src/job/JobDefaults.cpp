@@ -7,6 +7,8 @@
 #include "store/DataMod.h"
 
 #include <QCheckBox>
+#include <QListWidget>
+#include <QMenu>
 #include <QLabel>
 
 namespace {
@@ -101,4 +103,19 @@ void TdlgJob::SetDefaultSyntaxMark(int SyntaxNumber, const std::string& Marker) 
     if (SyntaxNumber >= 1 && SyntaxNumber <= static_cast<int>(textDefSyn.size()))
         textDefSyn[static_cast<std::size_t>(SyntaxNumber - 1)]->setText(
             QString::fromStdString(Marker));
+}
+
+void TdlgJob::connectDefaultMenus() {
+    // A right click on a value box, the option or the syntax list opens its menu.
+    for (int n = 1; n <= 6; ++n) {
+        dialogs::TDBEdit* box = ValueEdit(n);
+        connect(box, &QWidget::customContextMenuRequested, this,
+                [this, box](const QPoint& at) { mnuDefaultValue->popup(box->mapToGlobal(at)); });
+    }
+    connect(chkOption, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+        mnuDefaultValue->popup(chkOption->mapToGlobal(at));
+    });
+    connect(lstSyntax, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+        mnuDefaultSyntax->popup(lstSyntax->viewport()->mapToGlobal(at));
+    });
 }

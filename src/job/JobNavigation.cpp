@@ -23,6 +23,14 @@ void setPageCaption(QTabWidget* pages, QWidget* page, const char* caption) {
 
 } // namespace
 
+void TdlgJob::connectNavigationHandlers() {
+    // The tree: a selection by the operator; code selects through SelectNode.
+    connect(tvwTemplate, &QTreeWidget::currentItemChanged, this,
+            [this](QTreeWidgetItem* current) {
+                Event([&] { tvwTemplateChange(tvwTemplate, current); });
+            });
+}
+
 void TdlgJob::tvwTemplateChange(QObject* Sender, QTreeWidgetItem* Node) {
     if (!FEventsEnabled || !SelectedNode())
         return;

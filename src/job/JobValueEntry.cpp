@@ -108,3 +108,14 @@ void TdlgJob::dbeValueChange(QObject* Sender) {
             box->setCursorPosition(selStart);
     }
 }
+
+void TdlgJob::connectEntryHandlers() {
+    // The syntax list: a real click passes the list as sender.
+    connect(lstSyntax, &QListWidget::itemClicked, this,
+            [this] { Event([&] { lstSyntaxClick(lstSyntax); }); });
+    for (int n = 1; n <= 6; ++n) {
+        dialogs::TDBEdit* box = ValueEdit(n);
+        connect(box, &QLineEdit::textChanged, this,
+                [this, box] { Event([&] { dbeValueChange(box); }); });
+    }
+}
