@@ -6,10 +6,20 @@
 #include "job/Job.h"
 #include "store/DataMod.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QSpinBox>
+#include <QTabWidget>
 
 #include <iostream>
 
@@ -74,6 +84,42 @@ void printRows(const TdlgJob& form) {
     std::cout.flush();
 }
 
+// One key as the operator types it: the key press reaches the control's own key handling.
+void typeKey(QWidget* control, int key, const QString& text) {
+    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, text);
+    QApplication::sendEvent(control, &press);
+    QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, text);
+    QApplication::sendEvent(control, &release);
+}
+
+// Replaces what a control holds by typed keys: all selected, erased, then the text key by key.
+void typeText(QWidget* control, const std::string& text) {
+    control->setFocus();
+    if (auto* edit = qobject_cast<QLineEdit*>(control))
+        edit->selectAll();
+    else if (auto* memo = qobject_cast<QPlainTextEdit*>(control))
+        memo->selectAll();
+    typeKey(control, Qt::Key_Backspace, "\b");
+    for (const QChar ch : QString::fromStdString(text))
+        typeKey(control, ch.toUpper().unicode(), QString(ch));
+}
+
+// A press of a mouse button in the middle of a control (or of a row of a list).
+void pressMouse(QWidget* control, Qt::MouseButton button, QPoint at = {-1, -1}) {
+    if (at.x() < 0)
+        at = control->rect().center();
+    QMouseEvent press(QEvent::MouseButtonPress, at, control->mapToGlobal(at), button, button,
+                      Qt::NoModifier);
+    QApplication::sendEvent(control, &press);
+    QMouseEvent release(QEvent::MouseButtonRelease, at, control->mapToGlobal(at), button,
+                        Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(control, &release);
+}
+
+int listIndex(const std::string& argument, const QListWidget* list) {
+    return integerArgument(argument, 1, std::max(1, list->count())) - 1;
+}
+
 } // namespace
 
 std::optional<common::ModalResult> parseAnswer(const std::string& word) {
@@ -123,6 +169,84 @@ void ScriptUi::addActions() {
         for (int i = 0; i < form.cmbMachines->count(); ++i)
             std::cout << form.cmbMachines->itemText(i).toStdString() << '\n';
     };
+    addWalkActions();
+}
+
+void ScriptUi::addWalkActions() {
+    // The tree and the syntax list, as the operator clicks them.
+    actions_["select"] = [](TdlgJob& form, const std::string& argument) {
+        if (argument == "none") {
+            tree::Select(form.tvwTemplate, nullptr);
+            return;
+        }
+        const int last = std::max(0, tree::NodeCount(form.tvwTemplate) - 1);
+        tree::Select(form.tvwTemplate,
+                     tree::FindNodeByIndex(form.tvwTemplate, integerArgument(argument, 0, last)));
+    };
+    actions_["syntax"] = [this](TdlgJob& form, const std::string& argument) {
+        const int row = listIndex(argument, form.lstSyntax);
+        if (row >= form.lstSyntax->count())
+            throw ScriptError("the syntax list has no entry " + argument);
+        form.lstSyntax->setCurrentRow(row);
+        emit form.lstSyntax->itemClicked(form.lstSyntax->item(row));
+        addressed_ = form.lstSyntax;
+    };
+    actions_["value"] = [this](TdlgJob& form, const std::string& argument) {
+        const auto space = argument.find(' ');
+        const int box = integerArgument(argument.substr(0, space), 1, 6);
+        QWidget* edit = form.ValueEdit(box);
+        pressMouse(edit, Qt::LeftButton);
+        typeText(edit, space == std::string::npos ? std::string() : argument.substr(space + 1));
+        addressed_ = edit;
+    };
+    actions_["comment"] = [this](TdlgJob& form, const std::string& argument) {
+        pressMouse(form.dbmComment, Qt::LeftButton);
+        typeText(form.dbmComment, argument);
+        addressed_ = form.dbmComment;
+    };
+    actions_["option"] = [this](TdlgJob& form, const std::string& argument) {
+        if (form.chkOption->isChecked() != onOff(argument))
+            form.chkOption->click();
+        addressed_ = form.chkOption;
+    };
+    actions_["radio"] = [](TdlgJob& form, const std::string& argument) {
+        form.RadioItem(integerArgument(argument, 1, 6))->click();
+    };
+    const auto press = [](QPushButton* TdlgJob::*button) {
+        return [button](TdlgJob& form, const std::string& argument) {
+            noArgument(argument);
+            (form.*button)->click();
+        };
+    };
+    actions_["next"] = press(&TdlgJob::btnNext);
+    actions_["expand"] = press(&TdlgJob::btnExpand);
+    actions_["collapse"] = press(&TdlgJob::btnCollapse);
+    actions_["menu"] = [this](TdlgJob& form, const std::string& argument) {
+        auto* item = form.findChild<QAction*>(QString::fromStdString(argument));
+        if (argument.empty() || !item)
+            throw ScriptError("there is no menu item '" + argument + "'");
+        if (!addressed_)
+            throw ScriptError("no box or list to open the menu on");
+        // The right click that opens the menu, on the row or box last addressed.
+        QPoint at(-1, -1);
+        if (addressed_ == form.lstSyntax && form.lstSyntax->currentItem())
+            at = form.lstSyntax->visualItemRect(form.lstSyntax->currentItem()).center();
+        pressMouse(addressed_ == form.lstSyntax ? form.lstSyntax->viewport() : addressed_,
+                   Qt::RightButton, at);
+        for (QMenu* menu : {form.mnuDefaultValue, form.mnuDefaultSyntax})
+            if (menu->actions().contains(item))
+                emit menu->aboutToShow();
+        if (item->isEnabled())
+            item->trigger();
+    };
+    actions_["view"] = [](TdlgJob& form, const std::string& argument) {
+        noArgument(argument);
+        // The Script View tab and back to the Tree View, as the operator clicks them.
+        form.pageScript->setCurrentWidget(form.tabScript);
+        for (int i = 0; i < form.lstScript->count(); ++i)
+            std::cout << form.lstScript->item(i)->text().toStdString() << '\n';
+        form.pageScript->setCurrentWidget(form.tabTree);
+    };
 }
 
 void ScriptUi::run(TdlgJob& form) {
@@ -139,6 +263,7 @@ void ScriptUi::run(TdlgJob& form) {
             if (action == actions_.end())
                 throw ScriptError("unknown action '" + name + "'");
             action->second(form, argument);
+            QApplication::processEvents();
         } catch (const ScriptError& e) {
             throw ScriptError("script line " + std::to_string(number) + ": " + name + ": " +
                               e.what());
@@ -171,8 +296,11 @@ bool ScriptUi::saveFile(const common::FileDialogRequest&, std::string&) { return
 
 common::ModalResult ScriptUi::showModal(QWidget* form) {
     if (auto* wizard = qobject_cast<TdlgJob*>(form)) {
-        // The showing: the form activates, the operator acts, the form closes.
-        wizard->FormActivate();
+        // The showing, on the offscreen screen: the form activates, the operator acts, the form
+        // closes.
+        wizard->show();
+        wizard->activateWindow();
+        QApplication::processEvents();
         run(*wizard);
         wizard->done(QDialog::Rejected);
         return common::ModalResult::Cancel;

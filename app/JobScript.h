@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+class QWidget;
 class TdlgJob;
 
 namespace app {
@@ -42,6 +43,7 @@ public:
 private:
     using Action = std::function<void(TdlgJob& form, const std::string& argument)>;
     void addActions();
+    void addWalkActions();
     void run(TdlgJob& form);
     // The answer for a dialog whose default button gives `fallback`.
     common::ModalResult take(common::ModalResult fallback);
@@ -50,6 +52,7 @@ private:
     std::optional<common::ModalResult> runAnswer_;
     std::optional<common::ModalResult> nextAnswer_;
     std::map<std::string, Action> actions_;
+    QWidget* addressed_ = nullptr; // the box or list the last action addressed
 };
 
 } // namespace app
