@@ -80,8 +80,8 @@ int JobCommands::runBuild() {
 
     auto query = DM().NewLocalQuery();
     query->setSql("select Line_Number, Node_Level, Code, Script_Line from Jobs where "
-                  "Pallet_Number = " + pallet_ + " and Job_Number = " + std::to_string(job_) +
-                  " order by Line_Number");
+                  "Pallet_Number = " +
+                  pallet_ + " and Job_Number = " + std::to_string(job_) + " order by Line_Number");
     query->open();
     if (query->eof())
         throw std::runtime_error("the job of pallet " + pallet_ + " was not built");

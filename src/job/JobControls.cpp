@@ -183,8 +183,9 @@ void TdlgJob::buildTreeTab() {
     tvwTemplate->setGeometry(4, 4, 240, 360);
     tvwTemplate->setFocusPolicy(Qt::StrongFocus);
     // Images by Image: 1 open, 2 finished, 3 skipped.
-    tree::SetImageList(tvwTemplate, {QIcon(), markIcon(QColor(230, 160, 30), true),
-                                     markIcon(QColor(40, 160, 60)), markIcon(QColor(150, 150, 150))});
+    tree::SetImageList(tvwTemplate,
+                       {QIcon(), markIcon(QColor(230, 160, 30), true),
+                        markIcon(QColor(40, 160, 60)), markIcon(QColor(150, 150, 150))});
     // States by State: 1 a sub-item left out of the line, 2 one in use.
     tree::SetStateImageList(tvwTemplate, {QIcon(), checkIcon(false), checkIcon(true)});
     const int x = 250;
@@ -194,7 +195,8 @@ void TdlgJob::buildTreeTab() {
     btnPaste = button(tabTree, "btnPaste", "Paste", QRect(x, 112, 190, 28));
     btnSkip = button(tabTree, "btnSkip", "Skip This Workpiece", QRect(x, 156, 190, 28));
     btnSkip->setCheckable(true);
-    btnSkipDown = button(tabTree, "btnSkipDown", "Skip Remaining Workpieces", QRect(x, 188, 190, 28));
+    btnSkipDown =
+        button(tabTree, "btnSkipDown", "Skip Remaining Workpieces", QRect(x, 188, 190, 28));
     btnUnskip = button(tabTree, "btnUnskip", "Unskip All Workpieces", QRect(x, 220, 190, 28));
     btnNext = button(tabTree, "btnNext", "Check Syntax and Advance", QRect(x, 300, 190, 40));
     btnNext->setDefault(true);
@@ -366,7 +368,8 @@ void TdlgJob::buildMenus() {
 void TdlgJob::connectHandlers() {
     using Self = TdlgJob;
     const auto click = [this](QPushButton* b, void (Self::*handler)()) {
-        connect(b, &QPushButton::clicked, this, [this, handler] { Event([&] { (this->*handler)(); }); });
+        connect(b, &QPushButton::clicked, this,
+                [this, handler] { Event([&] { (this->*handler)(); }); });
     };
     click(btnProgramNumber, &Self::btnProgramNumberClick);
     click(btnLineNumbers, &Self::btnLineNumbersClick);
@@ -388,45 +391,41 @@ void TdlgJob::connectHandlers() {
 
 void TdlgJob::SetTag(QObject* Control, int Tag) { Control->setProperty("tag", Tag); }
 
-int TdlgJob::Tag(const QObject* Control) {
-    return Control ? Control->property("tag").toInt() : 0;
+int TdlgJob::Tag(const QObject* Control) { return Control ? Control->property("tag").toInt() : 0; }
+
+namespace {
+
+// The control of a number 1..6 among six.
+template <typename T> T* numbered(const std::array<T*, 6>& controls, int number, const char* what) {
+    if (number < 1 || number > 6)
+        throw JobError(std::string("There is no ") + what + " " + std::to_string(number));
+    return controls[static_cast<std::size_t>(number - 1)];
 }
 
+} // namespace
+
 dialogs::TDBEdit* TdlgJob::ValueEdit(int Number) const {
-    const std::array<dialogs::TDBEdit*, 6> boxes{dbeValue1, dbeValue2, dbeValue3,
-                                                 dbeValue4, dbeValue5, dbeValue6};
-    if (Number < 1 || Number > 6)
-        throw JobError("There is no value box " + std::to_string(Number));
-    return boxes[static_cast<std::size_t>(Number - 1)];
+    return numbered<dialogs::TDBEdit>(
+        {dbeValue1, dbeValue2, dbeValue3, dbeValue4, dbeValue5, dbeValue6}, Number, "value box");
 }
 
 QLabel* TdlgJob::ValueLabel(int Number) const {
-    const std::array<QLabel*, 6> labels{txtValue1, txtValue2, txtValue3,
-                                        txtValue4, txtValue5, txtValue6};
-    if (Number < 1 || Number > 6)
-        throw JobError("There is no value label " + std::to_string(Number));
-    return labels[static_cast<std::size_t>(Number - 1)];
+    return numbered<QLabel>({txtValue1, txtValue2, txtValue3, txtValue4, txtValue5, txtValue6},
+                            Number, "value label");
 }
 
 QLabel* TdlgJob::DefaultLabel(int Number) const {
-    const std::array<QLabel*, 6> labels{textDefault1, textDefault2, textDefault3,
-                                        textDefault4, textDefault5, textDefault6};
-    if (Number < 1 || Number > 6)
-        throw JobError("There is no default marker " + std::to_string(Number));
-    return labels[static_cast<std::size_t>(Number - 1)];
+    return numbered<QLabel>(
+        {textDefault1, textDefault2, textDefault3, textDefault4, textDefault5, textDefault6},
+        Number, "default marker");
 }
 
 QRadioButton* TdlgJob::RadioItem(int Number) const {
-    const std::array<QRadioButton*, 6> radios{radItem1, radItem2, radItem3,
-                                              radItem4, radItem5, radItem6};
-    if (Number < 1 || Number > 6)
-        throw JobError("There is no radio item " + std::to_string(Number));
-    return radios[static_cast<std::size_t>(Number - 1)];
+    return numbered<QRadioButton>({radItem1, radItem2, radItem3, radItem4, radItem5, radItem6},
+                                  Number, "radio item");
 }
 
 QLabel* TdlgJob::ItemLabel(int Number) const {
-    const std::array<QLabel*, 6> labels{txtItem1, txtItem2, txtItem3, txtItem4, txtItem5, txtItem6};
-    if (Number < 1 || Number > 6)
-        throw JobError("There is no item label " + std::to_string(Number));
-    return labels[static_cast<std::size_t>(Number - 1)];
+    return numbered<QLabel>({txtItem1, txtItem2, txtItem3, txtItem4, txtItem5, txtItem6}, Number,
+                            "item label");
 }

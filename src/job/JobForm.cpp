@@ -12,8 +12,8 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QListWidget>
-#include <QSpinBox>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QStatusBar>
 #include <QTabWidget>
 

@@ -25,10 +25,9 @@ void setPageCaption(QTabWidget* pages, QWidget* page, const char* caption) {
 
 void TdlgJob::connectNavigationHandlers() {
     // The tree: a selection by the operator; code selects through SelectNode.
-    connect(tvwTemplate, &QTreeWidget::currentItemChanged, this,
-            [this](QTreeWidgetItem* current) {
-                Event([&] { tvwTemplateChange(tvwTemplate, current); });
-            });
+    connect(tvwTemplate, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* current) {
+        Event([&] { tvwTemplateChange(tvwTemplate, current); });
+    });
 }
 
 void TdlgJob::tvwTemplateChange(QObject* Sender, QTreeWidgetItem* Node) {

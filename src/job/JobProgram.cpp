@@ -77,10 +77,9 @@ namespace {
 // The first field of the job's queue row, or nothing.
 void readQueue(const char* column, const TJobWizardInfo& info, std::string& out) {
     auto query = DM().NewSharedQuery();
-    query->setSql(common::format(
-        std::string("select ") + column +
-            " from JobQueue where Pallet_Number = %s and Job_Number = %d",
-        {info.PalletNumber, info.JobNumber}));
+    query->setSql(common::format(std::string("select ") + column +
+                                     " from JobQueue where Pallet_Number = %s and Job_Number = %d",
+                                 {info.PalletNumber, info.JobNumber}));
     query->open();
     if (!query->eof())
         out = query->fields(0).asString();
