@@ -295,6 +295,8 @@ bool ScriptUi::openFile(const common::FileDialogRequest&, std::string&) { return
 bool ScriptUi::saveFile(const common::FileDialogRequest&, std::string&) { return false; }
 
 common::ModalResult ScriptUi::showModal(QWidget* form) {
+    if (auto* wizard = qobject_cast<TdlgJob*>(form); wizard && windowUi_)
+        return windowUi_->showModal(wizard);
     if (auto* wizard = qobject_cast<TdlgJob*>(form)) {
         // The showing, on the offscreen screen: the form activates, the operator acts, the form
         // closes.

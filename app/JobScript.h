@@ -40,6 +40,10 @@ public:
     common::ModalResult showModal(QWidget* form) override;
     void beep() override {}
 
+    // With a window: the wizard itself is shown there for a person, and only the dialogs around
+    // it are answered.
+    void showWizardIn(common::Ui* windowUi) { windowUi_ = windowUi; }
+
 private:
     using Action = std::function<void(TdlgJob& form, const std::string& argument)>;
     void addActions();
@@ -53,6 +57,7 @@ private:
     std::optional<common::ModalResult> nextAnswer_;
     std::map<std::string, Action> actions_;
     QWidget* addressed_ = nullptr; // the box or list the last action addressed
+    common::Ui* windowUi_ = nullptr;
 };
 
 } // namespace app

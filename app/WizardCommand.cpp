@@ -128,6 +128,8 @@ std::optional<int> WizardCommand::run(int argc, char** argv) {
     common::Ui* ui = &scriptUi;
     if (window && answer_.empty())
         ui = &windowUi;
+    else if (window)
+        scriptUi.showWizardIn(&windowUi);
     CellSession session(cellDir_, ui);
 
     std::string name;
