@@ -112,6 +112,18 @@ public:
     QTreeWidgetItem* SelectedNode() const;
     // Makes a tab of pageScript or pageValues active without firing its change handler.
     void SetActivePage(QTabWidget* Pages, QWidget* Page);
+    // Checks the selected line's values, marks it finished and selects the next line. Sender is
+    // the button, another routine, or nullptr from the write walk; with btnSkip down, or from a
+    // sender named btnSkip or btnSkipDown, it advances without a check or an image.
+    void btnNextClick(QObject* Sender);
+    // Switches a sub-item in or out of its command's line.
+    void tvwTemplateDblClick();
+    // Fills the script view when its tab becomes active.
+    void pageScriptChange();
+    // Moves the tree selection to the line clicked in the script view.
+    void lstScriptClick();
+    void btnExpandClick();
+    void btnCollapseClick();
 
     // ---- Program number and line numbers (JobProgram.cpp) ----
     void spnProgramNumberChange();
@@ -159,6 +171,10 @@ public:
     // ---- Validation (JobValidation.cpp) ----
     // Beeps, shows the fixed status text and sets FStopFlag; the identifier is not shown.
     void ReportInputError(const std::string& Identifier);
+    // Checks the box's text against the value type (ids above 9999 pass). A file value with a
+    // checked chkOption is copied into the local directory and its name added to FFileList; with
+    // CheckOnly only the source's existence is answered and nothing changes.
+    bool ValidateValue(dialogs::TDBEdit* Edit, int ValueType, bool CheckOnly);
 
     // ---- Top panel ----
     void btnExitClick();

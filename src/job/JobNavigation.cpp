@@ -11,7 +11,19 @@
 #include <QStatusBar>
 #include <QTabWidget>
 
+#include <algorithm>
+
 namespace {
+
+// The node at an absolute index moved by `steps` in full tree order, kept inside the tree; from
+// no node, index -1 is the start.
+QTreeWidgetItem* stepNode(QTreeWidget* tree, QTreeWidgetItem* node, int steps) {
+    const int last = tree::NodeCount(tree) - 1;
+    if (last < 0)
+        return nullptr;
+    const int index = std::clamp((node ? tree::AbsoluteIndex(node) : -1) + steps, 0, last);
+    return tree::FindNodeByIndex(tree, index);
+}
 
 constexpr const char* SectionDescription =
     "Enter any text for the purpose of displaying a\r\ncomment at the begining of this "
@@ -28,6 +40,19 @@ void TdlgJob::connectNavigationHandlers() {
     connect(tvwTemplate, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* current) {
         Event([&] { tvwTemplateChange(tvwTemplate, current); });
     });
+    connect(tvwTemplate, &QTreeWidget::itemDoubleClicked, this,
+            [this] { Event([&] { tvwTemplateDblClick(); }); });
+    connect(btnNext, &QPushButton::clicked, this,
+            [this] { Event([&] { btnNextClick(btnNext); }); });
+    connect(btnExpand, &QPushButton::clicked, this, [this] { Event([&] { btnExpandClick(); }); });
+    connect(btnCollapse, &QPushButton::clicked, this,
+            [this] { Event([&] { btnCollapseClick(); }); });
+    // Code changes the page through SetActivePage and the script view's row with signals
+    // blocked, so these run for the operator only.
+    connect(pageScript, &QTabWidget::currentChanged, this,
+            [this] { Event([&] { pageScriptChange(); }); });
+    connect(lstScript, &QListWidget::currentRowChanged, this,
+            [this] { Event([&] { lstScriptClick(); }); });
 }
 
 void TdlgJob::tvwTemplateChange(QObject* Sender, QTreeWidgetItem* Node) {
@@ -108,4 +133,139 @@ void TdlgJob::tvwTemplateChange(QObject* Sender, QTreeWidgetItem* Node) {
     StatusPanels[1]->setText(QString::fromStdString(WorkpieceRangeText(statusNode)));
     btnNext->setEnabled(true);
     UpdateCopyPasteButtons();
+}
+
+void TdlgJob::btnNextClick(QObject* Sender) {
+    QTreeWidgetItem* selected = SelectedNode();
+    if (!selected)
+        return;
+    QTreeWidgetItem* nextSibling = tree::NextSibling(selected);
+    tvwTemplate->setFocus();
+    const QString senderName = Sender ? Sender->objectName() : QString();
+    const bool skipping =
+        btnSkip->isChecked() || senderName == "btnSkip" || senderName == "btnSkipDown";
+    const int level = tree::NodeLevel(selected);
+    const bool collapsedParent = selected->childCount() > 0 && !selected->isExpanded();
+    // Past a collapsed command: its next sibling, else the next sibling of its parent.
+    const auto pastChildren = [&] {
+        return nextSibling ? nextSibling : tree::NextSibling(selected->parent());
+    };
+
+    if (skipping) {
+        // No check and no image: a skipped line stays skipped.
+        QTreeWidgetItem* next = collapsedParent ? pastChildren() : tree::NextNode(selected);
+        if (!next) {
+            btnNext->setEnabled(false);
+            return;
+        }
+        SelectNode(next);
+        return;
+    }
+
+    // A level 2 line not in use needs no check.
+    if (!pnlEditBoxes->isHidden() && (level < 2 || tree::StateIndex(selected) == 2)) {
+        auto& syntax = DM().tableSyntax;
+        const int count = CountFormatSpecs(syntax.fieldByName(schema::Mask).asString(), false);
+        int offset = 0;
+        for (int k = 1; k <= count; ++k) {
+            // Value types above 9999 are no box values: the box takes the next slot's type.
+            int valueType = syntax.fieldByName(schema::ValueTypeColumn(k + offset)).asInteger();
+            while (valueType > 9999) {
+                ++offset;
+                valueType = syntax.fieldByName(schema::ValueTypeColumn(k + offset)).asInteger();
+            }
+            dialogs::TDBEdit* box = ValueEdit(k);
+            if (!ValidateValue(box, valueType, false)) {
+                box->setFocus();
+                return;
+            }
+        }
+    }
+    SetNodeImage(selected, 2, false);
+
+    QTreeWidgetItem* next =
+        Sender && level == 1 && collapsedParent ? pastChildren() : tree::NextNode(selected);
+    if (!next) {
+        btnNext->setEnabled(false);
+        return;
+    }
+    SelectNode(next);
+    // Sub-items not in use are finished on the way; the walk stops on the first other line.
+    while (next && tree::NodeLevel(next) == 2 && tree::StateIndex(next) == 1) {
+        SetNodeImage(next, 2, false);
+        next = tree::NextNode(next);
+        SelectNode(next);
+    }
+    if (!next)
+        btnNext->setEnabled(false);
+}
+
+void TdlgJob::tvwTemplateDblClick() {
+    QTreeWidgetItem* node = SelectedNode();
+    if (!node || tree::NodeLevel(node) != 2)
+        return;
+    SyncJobRow(node);
+    auto& jobs = DM().tableJobs;
+    const int state = jobs.fieldByName(schema::State).asInteger() == 2 ? 1 : 2;
+    jobs.edit();
+    jobs.fieldByName(schema::State).setAsInteger(state);
+    jobs.post();
+    tree::SetStateIndex(node, state);
+    if (node->parent()) {
+        // The parent has children: this only enables btnNext.
+        SetNodeImage(node->parent(), 1, false);
+        ComposeCommandLine();
+    }
+}
+
+void TdlgJob::pageScriptChange() {
+    if (pageScript->currentWidget() != tabScript)
+        return;
+    {
+        const dialogs::EventsGuard<bool> quiet(FEventsEnabled, false, true);
+        const QSignalBlocker blocker(lstScript);
+        lstScript->clear();
+        auto& jobs = DM().tableJobs;
+        std::string previous;
+        for (jobs.first(); !jobs.eof(); jobs.next()) {
+            const std::string line = ScriptViewLine();
+            // A joined line shows once.
+            lstScript->addItem(line == previous ? QString() : QString::fromStdString(line));
+            previous = line;
+        }
+        FLastScriptIndex = tree::AbsoluteIndex(SelectedNode());
+        lstScript->setCurrentRow(FLastScriptIndex);
+        lstScript->setFocus();
+    }
+    tvwTemplateChange(nullptr, SelectedNode());
+}
+
+void TdlgJob::lstScriptClick() {
+    {
+        const dialogs::EventsGuard<bool> quiet(FEventsEnabled, false, true);
+        SelectNode(
+            stepNode(tvwTemplate, SelectedNode(), lstScript->currentRow() - FLastScriptIndex));
+        FLastScriptIndex = lstScript->currentRow();
+    }
+    tvwTemplateChange(nullptr, SelectedNode());
+    FLastScriptIndex = tree::AbsoluteIndex(SelectedNode());
+    const QSignalBlocker blocker(lstScript);
+    lstScript->setCurrentRow(FLastScriptIndex);
+}
+
+void TdlgJob::btnExpandClick() {
+    tvwTemplate->setVisible(false);
+    tree::ExpandAll(tvwTemplate);
+    tvwTemplate->setVisible(true);
+    tvwTemplate->setFocus();
+    if (QTreeWidgetItem* node = SelectedNode())
+        tvwTemplate->scrollToItem(node, QAbstractItemView::PositionAtTop);
+}
+
+void TdlgJob::btnCollapseClick() {
+    tvwTemplate->setVisible(false);
+    tree::CollapseAll(tvwTemplate);
+    tvwTemplate->setVisible(true);
+    tvwTemplateChange(btnCollapse, SelectedNode());
+    tvwTemplate->setFocus();
 }

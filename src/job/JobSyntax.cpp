@@ -392,6 +392,8 @@ std::string TdlgJob::ScriptViewLine() {
 void TdlgJob::RefreshScriptListLine() {
     if (pageScript->currentWidget() != tabScript)
         return;
+    // Code changes the list's rows and item index without running its handler.
+    const QSignalBlocker blocker(lstScript);
     std::unique_ptr<QListWidgetItem> removed(lstScript->takeItem(FLastScriptIndex));
 
     syntax().findNearest({FCurrentCode, lstSyntax->currentRow() + 1, FParentCode});
@@ -413,7 +415,6 @@ void TdlgJob::RefreshScriptListLine() {
     const QString previous = lstScript->item(above) ? lstScript->item(above)->text() : QString();
     const QString shown = QString::fromStdString(text);
     lstScript->insertItem(FLastScriptIndex, previous == shown ? QString() : shown);
-    const QSignalBlocker blocker(lstScript);
     lstScript->setCurrentRow(FLastScriptIndex);
 }
 

@@ -1,0 +1,223 @@
+// Wizard navigation on the demo job of pallet 7: Next with its checks, skips and leaps, sub-items
+// switched by a double click, the script view, and the check of values with included files.
+#include "JobFixture.h"
+
+#include "job/FileSource.h"
+
+#include <QKeyEvent>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTabWidget>
+
+#include <filesystem>
+
+namespace {
+
+class NavigationTest : public jobtest::JobFixture {
+protected:
+    void SetUp() override {
+        JobFixture::SetUp();
+        TJobWizardInfo info = form->WizardInfo();
+        info.LocalDirectory = local.str();
+        info.InputDirectory = input.str();
+        ASSERT_TRUE(form->OpenJob(info));
+    }
+
+    QTreeWidgetItem* node(int line) { return tree::FindNodeByIndex(form->tvwTemplate, line); }
+    void select(int line) { form->SelectNode(node(line)); }
+    int selected() { return tree::AbsoluteIndex(form->SelectedNode()); }
+    void update(const std::string& set, int line) {
+        auto q = DM().NewLocalQuery();
+        q->setSql("update Jobs set " + set + " where Line_Number = " + std::to_string(line));
+        q->execSQL();
+    }
+    // A column of a job row (the cell's only job), read past the wizard's table.
+    std::string row(int line, const char* column) {
+        auto q = DM().NewLocalQuery();
+        q->setSql(std::string("select ") + column +
+                  " from Jobs where Line_Number = " + std::to_string(line));
+        q->open();
+        return q->fields(0).asString();
+    }
+    // The operator replaces the text of the first value box.
+    void type(const QString& text) {
+        form->dbeValue1->selectAll();
+        QKeyEvent erase(QEvent::KeyPress, Qt::Key_Backspace, Qt::NoModifier);
+        QApplication::sendEvent(form->dbeValue1, &erase);
+        for (const QChar c : text) {
+            QKeyEvent key(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
+            QApplication::sendEvent(form->dbeValue1, &key);
+        }
+    }
+    // Line 6 (a sub-program file with "Include File" checked) with the given Path, re-read.
+    void includeLine(const std::string& path) {
+        update("Value_2 = '1', Path = '" + path + "'", 6);
+        select(6);
+        form->FEventsEnabled = false;
+        DM().tableJobs.findKey({7, 1, 6});
+        form->FEventsEnabled = true;
+    }
+    bool validate(const std::string& text, int valueType = 6001, bool checkOnly = false) {
+        dialogs::TDBEdit box;
+        box.setText(QString::fromStdString(text));
+        return form->ValidateValue(&box, valueType, checkOnly);
+    }
+
+    testsupport::TempDir local;
+    testsupport::TempDir input;
+    testsupport::TempDir old; // where the lines' previous files lie
+};
+
+TEST_F(NavigationTest, NextSkipsLeapsAndPassesUnusedSubItems) {
+    // btnSkip down on a skipped line, or a skip sender: no check and no image.
+    update("Image = 3", 16);
+    select(16);
+    ASSERT_TRUE(form->btnSkip->isChecked());
+    form->btnNextClick(form->btnNext);
+    EXPECT_EQ(selected(), 17);
+    EXPECT_EQ(row(16, "Image"), "3");
+    select(15);
+    type("");
+    form->FStopFlag = false;
+    form->btnNextClick(form->btnSkipDown);
+    EXPECT_EQ(selected(), 16);
+    EXPECT_FALSE(form->FStopFlag);
+    EXPECT_EQ(row(15, "Image"), "1");
+
+    // G92 (9) with its sub-item UV (10): the operator's Next passes over it, the walk goes in.
+    node(9)->setExpanded(false);
+    select(9);
+    form->btnNext->click();
+    EXPECT_EQ(selected(), 11);
+    node(9)->setExpanded(false);
+    select(9);
+    form->btnNextClick(nullptr);
+    EXPECT_EQ(selected(), 10);
+
+    // REPEAT (24) under M98 (23) is not in use and holds no integer: finished unchecked.
+    update("State = 1, Value_1 = 'abc', Image = 1", 24);
+    tree::SetStateIndex(node(24), 1);
+    select(23);
+    form->btnNextClick(nullptr);
+    EXPECT_EQ(selected(), 25);
+    EXPECT_FALSE(form->FStopFlag);
+    EXPECT_EQ(row(24, "Image"), "2");
+    EXPECT_EQ(tree::ImageIndex(node(23)), 2); // its only child is done
+
+    // The last line: Next disables itself until an edit.
+    select(29);
+    form->btnNextClick(form->btnNext);
+    EXPECT_EQ(selected(), 29);
+    EXPECT_EQ(row(29, "Image"), "2");
+    EXPECT_FALSE(form->btnNext->isEnabled());
+    type("4");
+    EXPECT_TRUE(form->btnNext->isEnabled());
+}
+
+TEST_F(NavigationTest, BadValueKeepsTheLine) {
+    // OFFSET (15) checks an integer, G04 (11) a real.
+    const std::pair<int, const char*> cases[] = {
+        {15, ""}, {15, "-5"}, {15, "1.5"}, {15, "abc"}, {11, "x"}};
+    for (const auto& [line, text] : cases) {
+        select(line);
+        type(text);
+        ASSERT_EQ(form->dbeValue1->text(), text);
+        form->FStopFlag = false;
+        form->btnNextClick(form->btnNext);
+        EXPECT_EQ(selected(), line) << text;
+        EXPECT_EQ(tree::ImageIndex(node(line)), 1) << text;
+        EXPECT_TRUE(form->FStopFlag) << text;
+        EXPECT_EQ(form->FStatusMessage, "Code)") << text;
+    }
+    // A value type above 9999 passes an empty box, and hands its box the next slot's type.
+    EXPECT_TRUE(validate("", 10000));
+    cell.run("Quorvel.db",
+             "update Syntax set Value_Type_1 = 10000, Value_Type_2 = 1002 where Code = 'OFFSET'");
+    select(15);
+    type("abc");
+    form->btnNextClick(form->btnNext);
+    EXPECT_EQ(selected(), 15);
+}
+
+TEST_F(NavigationTest, ScriptViewShowsJoinedLineOnceAndClickMovesByDifference) {
+    update("Value_3 = '1'", 16); // G00 (16) goes on with G65 (17): 15 to 17 are one chain
+    select(16);
+    form->pageScript->setCurrentWidget(form->tabScript);
+    ASSERT_EQ(form->lstScript->count(), 30);
+    EXPECT_EQ(form->lstScript->item(15)->text().toStdString(), row(15, "Script_Line"));
+    EXPECT_EQ(form->lstScript->item(16)->text(), "");
+    EXPECT_EQ(form->lstScript->currentRow(), 16);
+
+    form->lstScript->setCurrentRow(20); // the operator's click
+    EXPECT_EQ(selected(), 20);
+    form->FLastScriptIndex = 18;
+    form->lstScript->setCurrentRow(21);
+    EXPECT_EQ(selected(), 23); // three lines on from 20
+    EXPECT_EQ(form->lstScript->currentRow(), 23);
+}
+
+TEST_F(NavigationTest, DoubleClickSwitchesSubItemAndRebuildsParent) {
+    select(10);
+    emit form->tvwTemplate->itemDoubleClicked(node(10), 0);
+    EXPECT_EQ(row(10, "State"), "1");
+    EXPECT_EQ(row(9, "Script_Line"), "G92 X+10.000 Y+5.000");
+    form->tvwTemplateDblClick();
+    EXPECT_EQ(row(10, "State"), "2");
+    EXPECT_EQ(row(9, "Script_Line"), "G92 X+10.000 Y+5.000 U+0.500 V-0.500");
+}
+
+TEST_F(NavigationTest, IncludedFileIsTakenCopiedChosenOrWaitedFor) {
+    testsupport::writeFile(input.file("SUB.NC"), "source");
+    testsupport::writeFile(local.file("T.NC"), "%");
+    includeLine(old.file("T.NC")); // the target exists: taken without a copy
+    EXPECT_TRUE(validate("SUB.NC"));
+    EXPECT_TRUE(cell.platform.copies.empty());
+    EXPECT_EQ(form->FFileList, "T.NC");
+
+    // Only the source: copied; a name inside a listed one is not added again.
+    form->FFileList = "BA.NC";
+    includeLine(old.file("A.NC"));
+    EXPECT_TRUE(validate("SUB.NC"));
+    EXPECT_EQ(testsupport::readFile(local.file("A.NC")), "source");
+    includeLine(old.file("C.NC"));
+    EXPECT_TRUE(validate("SUB.NC"));
+    EXPECT_EQ(form->FFileList, "BA.NC|C.NC");
+
+    // CheckOnly answers about the source alone (the target exists) and changes nothing.
+    EXPECT_FALSE(validate("NONE.NC", 6001, true));
+    EXPECT_TRUE(validate("SUB.NC", 6001, true));
+    EXPECT_EQ(cell.platform.copies.size(), 2u);
+    EXPECT_EQ(form->FFileList, "BA.NC|C.NC");
+
+    // Nothing to copy from: fails after about five seconds of the fake clock.
+    includeLine(old.file("D.NC"));
+    const auto clock = cell.platform.clock;
+    form->FStopFlag = false;
+    EXPECT_FALSE(validate("NONE.NC"));
+    EXPECT_EQ(cell.platform.clock - clock, 101u * 50u);
+    EXPECT_TRUE(form->FStopFlag);
+    EXPECT_EQ(form->FFileList, "BA.NC|C.NC");
+
+    // Source and previous file: the operator picks the previous one through the Ui seam.
+    testsupport::writeFile(old.file("P.NC"), "previous");
+    cell.ui.onModal = [this](QWidget* shown) {
+        auto* dialog = qobject_cast<TdlgFileSource*>(shown);
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->ItemIndex(), 0);
+        EXPECT_EQ(dialog->Item(0).toStdString(), input.file("SUB.NC"));
+        EXPECT_EQ(dialog->Item(1).toStdString(), old.file("P.NC"));
+        dialog->SetItemIndex(1);
+    };
+    includeLine(old.file("P.NC"));
+    EXPECT_TRUE(validate("SUB.NC"));
+    EXPECT_EQ(testsupport::readFile(local.file("P.NC")), "previous");
+    EXPECT_EQ(row(6, "Path"), old.file("P.NC"));
+    // The first item kept: the source is copied and the row forgets the previous file.
+    cell.ui.onModal = nullptr;
+    std::filesystem::remove(local.file("P.NC"));
+    EXPECT_TRUE(validate("SUB.NC"));
+    EXPECT_EQ(testsupport::readFile(local.file("P.NC")), "source");
+    EXPECT_EQ(row(6, "Path"), "");
+}
+
+} // namespace
