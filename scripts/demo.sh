@@ -10,11 +10,19 @@ cell=${QUORVEL_CELL:-$PWD/build/cell}
 # The main job: the demo template built for pallet 7, job 1, without a window.
 # Columns: line number, node level, code, script line.
 ./build/quorvel build --cell "$cell" --template 1 --pallet 7 --job 1
-# The wizard on that job without a window: program number, line numbering and its sample.
+# The wizard on that job without a window: program number and line numbering, then a short walk
+# of the first workpiece (Next checks a line and advances; a typed value recomposes the line),
+# and the script view of the whole program.
 ./build/quorvel job --cell "$cell" --template 1 --pallet 7 --job 1 --script - <<'SCRIPT'
 machines
 program 7
 numbers on
 increment 10
 sample
+select 8
+next
+next
+value 1 2.5
+next
+view
 SCRIPT
