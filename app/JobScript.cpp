@@ -116,6 +116,12 @@ void pressMouse(QWidget* control, Qt::MouseButton button, QPoint at = {-1, -1}) 
     QApplication::sendEvent(control, &release);
 }
 
+// The operator walks the lines on the Tree View tab: a click on the tab brings it to the front.
+void onTreeTab(TdlgJob& form) {
+    if (form.pageScript->currentWidget() != form.tabTree)
+        form.pageScript->setCurrentWidget(form.tabTree);
+}
+
 int listIndex(const std::string& argument, const QListWidget* list) {
     return integerArgument(argument, 1, std::max(1, list->count())) - 1;
 }
@@ -175,6 +181,7 @@ void ScriptUi::addActions() {
 void ScriptUi::addWalkActions() {
     // The tree and the syntax list, as the operator clicks them.
     actions_["select"] = [](TdlgJob& form, const std::string& argument) {
+        onTreeTab(form);
         if (argument == "none") {
             tree::Select(form.tvwTemplate, nullptr);
             return;
@@ -215,6 +222,7 @@ void ScriptUi::addWalkActions() {
     const auto press = [](QPushButton* TdlgJob::*button) {
         return [button](TdlgJob& form, const std::string& argument) {
             noArgument(argument);
+            onTreeTab(form);
             (form.*button)->click();
         };
     };

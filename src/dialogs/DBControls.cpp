@@ -51,13 +51,26 @@ void FieldBinding::setDataSource(store::DataSource* source) {
 
 void FieldBinding::setDataField(const std::string& field) {
     field_ = field;
+    indexed_ = nullptr;
     dataChanged();
+}
+
+int FieldBinding::columnIndex(const store::Dataset& dataset) const {
+    if (indexed_ != &dataset || indexedColumns_ != dataset.columnsVersion()) {
+        index_ = dataset.fieldIndex(field_);
+        indexed_ = &dataset;
+        indexedColumns_ = dataset.columnsVersion();
+    }
+    return index_;
 }
 
 std::string FieldBinding::fieldText() const {
     if (!bound() || !source_->dataSet() || !source_->dataSet()->active())
         return {};
-    return source_->dataSet()->fieldByName(field_).asString();
+    auto* dataset = source_->dataSet();
+    const int index = columnIndex(*dataset);
+    // A missing column raises the dataset's error that names it.
+    return (index < 0 ? dataset->fieldByName(field_) : dataset->fields(index)).asString();
 }
 
 void FieldBinding::dataChanged() {
@@ -80,7 +93,7 @@ void FieldBinding::dataChanged() {
 
 void FieldBinding::fieldChanged(int fieldIndex) {
     // Only the control of the column written follows; others keep what the user typed.
-    if (bound() && source_->dataSet() && source_->dataSet()->fieldIndex(field_) == fieldIndex)
+    if (bound() && source_->dataSet() && columnIndex(*source_->dataSet()) == fieldIndex)
         dataChanged();
 }
 
@@ -156,7 +169,16 @@ void TDBEdit::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
 }
 
-std::string TDBEdit::controlText() const { return QLineEdit::text().toStdString(); }
+std::string TDBEdit::controlText() const {
+    // A string still shared with the one read last is that string, unchanged: a change to the
+    // edit's text would have made it a copy of its own.
+    const QString text = QLineEdit::text();
+    if (!text.isSharedWith(readText_)) {
+        readUtf8_ = text.toStdString();
+        readText_ = text;
+    }
+    return readUtf8_;
+}
 
 void TDBEdit::setControlText(const std::string& text) { setText(QString::fromStdString(text)); }
 
@@ -189,9 +211,17 @@ void TDBMemo::focusOutEvent(QFocusEvent* event) {
     QPlainTextEdit::focusOutEvent(event);
 }
 
-std::string TDBMemo::controlText() const { return toPlainText().toStdString(); }
+// The column holds the lines of a memo with CR LF between them, as a memo of the classic
+// runtime stores them; the editor itself works with bare line feeds.
+std::string TDBMemo::controlText() const {
+    QString text = toPlainText();
+    text.replace('\n', "\r\n");
+    return text.toStdString();
+}
 
-void TDBMemo::setControlText(const std::string& text) { setText(QString::fromStdString(text)); }
+void TDBMemo::setControlText(const std::string& text) {
+    setText(QString::fromStdString(text).replace("\r\n", "\n"));
+}
 
 // ---- TDBText ----
 

@@ -45,10 +45,17 @@ protected:
     virtual void setControlText(const std::string& text) = 0;
 
 private:
+    // The column's index in the dataset (-1 when it has none), found by name once for each
+    // reading of the dataset's columns.
+    int columnIndex(const store::Dataset& dataset) const;
+
     store::DataSource* source_ = nullptr;
     std::string field_;
     bool modified_ = false;
     bool showing_ = false; // the text is being set from the row
+    mutable const store::Dataset* indexed_ = nullptr;
+    mutable std::uint64_t indexedColumns_ = 0;
+    mutable int index_ = -1;
 };
 
 class TDBEdit : public QLineEdit, public FieldBinding {
@@ -68,6 +75,10 @@ protected:
 
 private:
     bool upper_ = false;
+    // The text last read and its UTF-8 form; while the edit still holds that same string, the
+    // form is not made again.
+    mutable QString readText_;
+    mutable std::string readUtf8_;
 };
 
 class TDBMemo : public QPlainTextEdit, public FieldBinding {

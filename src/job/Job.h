@@ -13,6 +13,8 @@
 //   JobSyntax.cpp     syntaxes, value boxes, joined lines, running numbers, line status
 //   JobValueEntry.cpp clicks and keystrokes that reach the row
 //   JobValidation.cpp checks of values
+//   JobComment.cpp    section comments as program lines
+//   FileSource.cpp    the choice between two sources of an included file
 //   JobProgram.cpp    program number, line numbers, baskets and the queue
 #include "boundary/Structs.h"
 #include "dialogs/DBControls.h"
@@ -163,10 +165,55 @@ public:
     void lstSyntaxClick(QObject* Sender);
     // Sender is the box whose text changed, nullptr when a routine calls it.
     void dbeValueChange(QObject* Sender);
+    // A right press (At in the list's viewport) chooses the row under the mouse, before the
+    // syntax menu opens, and applies it; other buttons do nothing.
+    void lstSyntaxMouseDown(Qt::MouseButton Button, const QPoint& At);
+    // The box (or chkOption) entered becomes the box of mnuDefaultValue.
+    void dbeValueEnter(QObject* Sender);
+    // Any press focuses the box, so that a right click makes it the menu's box.
+    void dbeValueMouseDown(QObject* Sender);
+    // A blank typed in the first box stops composing until another key or leaving the box.
+    void dbeValue1KeyPress(QChar Key);
+    void dbeValue1Exit();
+    // The section comment: its wrapped text becomes the line unless it ends in a blank.
+    void dbmCommentChange();
+    // "(" + the text with ASCII letters upper-cased + ")"; "" for an empty text. Line breaks stay.
+    static std::string WrapComment(const std::string& Text);
+    // Browses for a file: its program number goes into the value of the button's box and the
+    // file into Path.
+    void btnFilenameClick();
+    // Sender is the control clicked, nullptr when a routine calls it.
+    void chkOptionClick(QObject* Sender);
+    void radItemClick(QObject* Sender);
+    void txtItemClick(QObject* Sender);
 
     // ---- Default markers (JobDefaults.cpp) ----
     void UpdateDefaultMark(dialogs::TDBEdit* Edit, QLabel* Label);
     void SetDefaultSyntaxMark(int SyntaxNumber, const std::string& Marker);
+    // Stores the box's text as the value type's global default, unless it names a browsed file
+    // that is not in the default input directory.
+    void SetGlobalDefaultValue(dialogs::TDBEdit* Edit, QLabel* Label, int ValueId);
+    // Writes the global default into value ValueNumber of the row; boxes 2 to 6 then are emptied.
+    void LoadGlobalDefaultValue(int ValueNumber);
+    // Store (or with Clear remove) the local default of the menu's box, or of the command's
+    // syntax: the list's item index.
+    void SetLocalDefaultValue(bool Clear);
+    void SetLocalDefaultSyntax(bool Clear);
+    // Owner drawing: true when row Index of lstSyntax is a default syntax (drawn bold); such a
+    // row also makes txtValues show the command's Code.
+    bool lstSyntaxDrawItem(int Index);
+    // Enables the local items of mnuDefaultValue by the present TemplateDefaults filter.
+    void mnuDefaultValuePopup();
+    // Items of mnuDefaultValue (its tag names the box) and of mnuDefaultSyntax. The Cancel items
+    // have no handler.
+    void itemSetGlobalClick();
+    void itemLoadGlobalClick();
+    void itemSetLocalClick();
+    void itemLoadLocalClick();
+    void itemClearLocalClick();
+    void itemSetGlobalDefSynClick();
+    void itemSetLocalDefSynClick();
+    void itemClearLocalDefSynClick();
 
     // ---- Validation (JobValidation.cpp) ----
     // Beeps, shows the fixed status text and sets FStopFlag; the identifier is not shown.

@@ -7,6 +7,9 @@
 #include "store/DataMod.h"
 
 #include <algorithm>
+#include <map>
+#include <optional>
+#include <utility>
 
 namespace {
 
@@ -23,12 +26,125 @@ std::vector<store::Value> jobRow(std::int16_t pallet, std::int16_t job, int line
     return row;
 }
 
+// The default lookups of one build. The build runs in one transaction that writes only Jobs,
+// and with the form's handlers quiet nothing else moves the tables the lookups use, so a lookup
+// of the same template and key gives the same answer throughout: only the first is run. The
+// lookups also leave tableTemplateDefaults filtered on their key and tableCommands on a code;
+// `settle` runs the last lookup again when later ones were answered from memory, so that both
+// tables end as they would have.
+class BuildDefaults {
+public:
+    BuildDefaults(TdlgJob& form, BuildDefaults*& active)
+        : form_(form), active_(active), outer_(active) {
+        active_ = this;
+    }
+    ~BuildDefaults() { active_ = outer_; }
+    BuildDefaults(const BuildDefaults&) = delete;
+    BuildDefaults& operator=(const BuildDefaults&) = delete;
+
+    const TdlgJob& form() const { return form_; }
+
+    // As TdlgJob::GetDefaultSyntax: the local default, else the global one.
+    int syntax(const std::string& code) {
+        const SyntaxKey key{templateId(), code};
+        lastLocal_ = Last::Syntax;
+        lastCode_ = code;
+        if (const auto found = syntaxes_.find(key); found != syntaxes_.end()) {
+            localStale_ = true;
+            if (!found->second.local) {
+                lastGlobal_ = code;
+                globalStale_ = true;
+            }
+            return found->second.result;
+        }
+        localStale_ = false;
+        int result = form_.GetLocalDefaultSyntax(code);
+        const bool local = result != 0;
+        if (!local) {
+            lastGlobal_ = code;
+            globalStale_ = false;
+            result = form_.GetGlobalDefaultSyntax(code);
+        }
+        syntaxes_.emplace(key, Syntax{result, local});
+        return result;
+    }
+
+    // As TdlgJob::GetDefaultValue.
+    void value(int valueId, std::string& value) {
+        const ValueKey key{templateId(), valueId};
+        lastLocal_ = Last::Value;
+        lastValueId_ = valueId;
+        if (const auto found = values_.find(key); found != values_.end()) {
+            localStale_ = true;
+            value = found->second;
+            return;
+        }
+        localStale_ = false;
+        form_.GetDefaultValue(valueId, value);
+        values_.emplace(key, value);
+    }
+
+    // Runs the last lookup of each table again if it was answered from memory.
+    void settle() {
+        if (globalStale_) {
+            globalStale_ = false;
+            form_.GetGlobalDefaultSyntax(lastGlobal_);
+        }
+        if (localStale_) {
+            localStale_ = false;
+            if (lastLocal_ == Last::Value) {
+                std::string value;
+                form_.GetDefaultValue(lastValueId_, value);
+            } else {
+                form_.GetLocalDefaultSyntax(lastCode_);
+            }
+        }
+    }
+
+private:
+    using SyntaxKey = std::pair<int, std::string>; // template id, code
+    using ValueKey = std::pair<int, int>;          // template id, value type id
+    struct Syntax {
+        int result;
+        bool local; // found in TemplateDefaults, so tableCommands was not consulted
+    };
+    enum class Last { Syntax, Value };
+
+    // The template is the current TemplateName row, as the lookups read it.
+    static int templateId() { return DM().tableTemplateName.fields(0).asInteger(); }
+
+    TdlgJob& form_;
+    BuildDefaults*& active_;
+    BuildDefaults* outer_;
+    std::map<SyntaxKey, Syntax> syntaxes_;
+    std::map<ValueKey, std::string> values_;
+    // The last lookup of tableTemplateDefaults, and whether it was answered from memory.
+    Last lastLocal_ = Last::Syntax;
+    std::string lastCode_;
+    int lastValueId_ = 0;
+    bool localStale_ = false;
+    // The last code sought in tableCommands, and whether that seek was answered from memory.
+    std::string lastGlobal_;
+    bool globalStale_ = false;
+};
+
+// The lookups of the build that runs, if any.
+BuildDefaults* activeDefaults = nullptr;
+
+BuildDefaults* defaultsOf(const TdlgJob& form) {
+    return activeDefaults && &activeDefaults->form() == &form ? activeDefaults : nullptr;
+}
+
 } // namespace
 
 void TdlgJob::BuildJobFromTemplate() {
     BindDataControls();
     auto& jobs = DM().tableJobs;
     auto& data = DM().tableTemplateData;
+    // With the form's handlers quiet, the lookups are answered once per key (BuildDefaults).
+    std::optional<BuildDefaults> defaults;
+    if (!FEventsEnabled)
+        defaults.emplace(*this, activeDefaults);
     try {
         store::Transaction transaction(DM().LocalDatabase);
         try {
@@ -42,9 +158,17 @@ void TdlgJob::BuildJobFromTemplate() {
                               data.fieldByName(schema::Syntax_).asInteger() >= 0,
                               data.fieldByName(schema::Node_Level).asInteger());
             }
+            if (defaults)
+                defaults->settle();
         } catch (...) {
             if (jobs.state() == store::DatasetState::Edit)
                 jobs.cancel();
+            if (defaults) {
+                try {
+                    defaults->settle();
+                } catch (...) {
+                }
+            }
             throw;
         }
         transaction.commit();
@@ -71,7 +195,8 @@ void TdlgJob::AppendJobLine(int LineNumber, const std::string& Code, bool Preset
     }
 
     auto& data = DM().tableTemplateData;
-    int item = std::max(GetDefaultSyntax(Code), 1);
+    auto* defaults = defaultsOf(*this);
+    int item = std::max(defaults ? defaults->syntax(Code) : GetDefaultSyntax(Code), 1);
     if (Preset) {
         item = data.fieldByName(schema::Syntax_).asInteger() + 1;
         image = 2;
@@ -94,7 +219,11 @@ void TdlgJob::AppendJobLine(int LineNumber, const std::string& Code, bool Preset
             value = data.fieldByName(schema::ValueColumn(n)).asString();
             ExpandProgramToken(value);
         } else {
-            GetDefaultValue(syntax.fieldByName(schema::ValueTypeColumn(n)).asInteger(), value);
+            const int valueId = syntax.fieldByName(schema::ValueTypeColumn(n)).asInteger();
+            if (defaults)
+                defaults->value(valueId, value);
+            else
+                GetDefaultValue(valueId, value);
         }
     }
     // A preset value passes a second time and can have a second token expanded.

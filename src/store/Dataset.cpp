@@ -3,6 +3,7 @@
 #include "common/Convert.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstdio>
 
@@ -184,6 +185,11 @@ void Dataset::setCurrentValue(int index, Value value) {
 FieldType Dataset::fieldType(int) const { return FieldType::String; }
 
 void Dataset::setState(DatasetState state) { state_ = state; }
+
+void Dataset::columnsReset() {
+    static std::atomic<std::uint64_t> readings{0};
+    columnsVersion_ = ++readings;
+}
 
 void Dataset::clearRow() {
     row_.clear();

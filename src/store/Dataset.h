@@ -86,6 +86,9 @@ public:
     Field fieldByName(std::string_view name);
     Field fields(int index);
     int fieldIndex(std::string_view name) const; // -1 when missing
+    // Changes whenever the columns are read anew (at open); no two readings, of this dataset or
+    // another, share a number, so an index found by name stays valid while this one stays.
+    std::uint64_t columnsVersion() const { return columnsVersion_; }
 
     // Changes.
     virtual void edit();
@@ -137,6 +140,8 @@ protected:
         hasRow_ = true;
     }
     void clearRow();
+    // Called by a subclass whenever it changes names_ (before it fills them anew).
+    void columnsReset();
 
     std::vector<std::string> names_;
     std::vector<Value> row_;     // current row as read
@@ -151,6 +156,7 @@ protected:
 private:
     DatasetState state_ = DatasetState::Inactive;
     std::vector<DataSource*> sources_;
+    std::uint64_t columnsVersion_ = 0;
 };
 
 // A control bound to a column through a data source.

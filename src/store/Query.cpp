@@ -42,6 +42,7 @@ void Query::open() {
     const std::string original = text();
     Statement stmt(database_->handle(), translateStatement(original), original);
     names_.clear();
+    columnsReset();
     for (int i = 0; i < stmt.columnCount(); ++i)
         names_.push_back(stmt.columnName(i));
     rows_.clear();

@@ -57,7 +57,12 @@ Statement::Statement(sqlite3* db, std::string sql, std::string shownText)
 
 Statement::~Statement() { sqlite3_finalize(stmt_); }
 
-void Statement::bind(int index, const Value& value) {
+void Statement::bind(int index, const Value& value) { bindValue(index, value, true); }
+
+void Statement::bindBorrowed(int index, const Value& value) { bindValue(index, value, false); }
+
+void Statement::bindValue(int index, const Value& value, bool copy) {
+    borrowed_ = borrowed_ || !copy;
     int rc;
     if (value.isNull())
         rc = sqlite3_bind_null(stmt_, index);
@@ -67,7 +72,8 @@ void Statement::bind(int index, const Value& value) {
         rc = sqlite3_bind_double(stmt_, index, value.real());
     else
         rc = sqlite3_bind_text(stmt_, index, value.text().data(),
-                               static_cast<int>(value.text().size()), SQLITE_TRANSIENT);
+                               static_cast<int>(value.text().size()),
+                               copy ? SQLITE_TRANSIENT : SQLITE_STATIC);
     if (rc != SQLITE_OK)
         throw StoreError(
             std::string("Cannot bind a value: ") + sqlite3_errmsg(db_) + " in: " + shown_, rc);
@@ -90,6 +96,11 @@ void Statement::run() {
         }
     } catch (...) {
         sqlite3_reset(stmt_);
+        // A borrowed text does not outlive the call that bound it.
+        if (borrowed_) {
+            sqlite3_clear_bindings(stmt_);
+            borrowed_ = false;
+        }
         throw;
     }
     reset();
@@ -98,6 +109,7 @@ void Statement::run() {
 void Statement::reset() {
     sqlite3_reset(stmt_);
     sqlite3_clear_bindings(stmt_);
+    borrowed_ = false;
 }
 
 int Statement::columnCount() const { return sqlite3_column_count(stmt_); }

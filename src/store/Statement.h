@@ -19,6 +19,9 @@ public:
     Statement& operator=(const Statement&) = delete;
 
     void bind(int index, const Value& value); // index from 1
+    // As bind, without copying a text: the value must stay as it is until the statement has run
+    // (run clears the bindings).
+    void bindBorrowed(int index, const Value& value);
     // Steps once; true when a row is ready.
     bool step();
     // Runs a statement that returns no rows, resetting it afterwards.
@@ -31,10 +34,13 @@ public:
     const std::string& sql() const { return sql_; }
 
 private:
+    void bindValue(int index, const Value& value, bool copy);
+
     sqlite3* db_;
     sqlite3_stmt* stmt_ = nullptr;
     std::string sql_;
     std::string shown_;
+    bool borrowed_ = false; // a text is bound without a copy
 };
 
 } // namespace store

@@ -90,6 +90,7 @@ void Table::open() {
         throw StoreError("Table " + tableName_ + " does not exist in database " +
                          database_->databaseName());
     names_.clear();
+    columnsReset();
     types_.clear();
     rowidAlias_ = -1;
     int pkCount = 0;
@@ -517,7 +518,7 @@ void Table::post() {
     auto& stmt = *plan_->update;
     int index = 1;
     for (auto& v : values)
-        stmt.bind(index++, v);
+        stmt.bindBorrowed(index++, v);
     stmt.bind(index, Value(static_cast<long long>(rowid_)));
     database_->bumpGeneration();
     stmt.run();
@@ -595,8 +596,9 @@ void Table::insertRecord(const std::vector<Value>& values) {
         slot = held(sql);
     }
     auto& stmt = *slot;
+    // The values outlive the run, which clears the bindings.
     for (std::size_t i = 0; i < values.size(); ++i)
-        stmt.bind(static_cast<int>(i) + 1, values[i]);
+        stmt.bindBorrowed(static_cast<int>(i) + 1, values[i]);
     database_->bumpGeneration();
     stmt.run();
     // The cursor stands on the new row.

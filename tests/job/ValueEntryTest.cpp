@@ -1,0 +1,226 @@
+// Value entry and the default menus on the demo job of pallet 7: keystrokes, the section comment,
+// a browsed file, the option, syntax choices and the markers of defaults.
+#include "JobFixture.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QRadioButton>
+
+namespace {
+
+class ValueEntryTest : public jobtest::JobFixture {
+protected:
+    void SetUp() override {
+        JobFixture::SetUp();
+        ASSERT_TRUE(form->OpenJob(form->WizardInfo()));
+    }
+
+    void select(int line) { form->SelectNode(tree::FindNodeByIndex(form->tvwTemplate, line)); }
+    // The first field of a statement's first row, read past the wizard's tables.
+    static std::string read(const std::string& sql) {
+        auto q = DM().NewLocalQuery();
+        q->setSql(sql);
+        q->open();
+        return q->isEmpty() ? "(no row)" : q->fields(0).asString();
+    }
+    static std::string row(int line, const char* column) {
+        return read(std::string("select ") + column +
+                    " from Jobs where Pallet_Number = 7 and Job_Number = 1 and Line_Number = " +
+                    std::to_string(line));
+    }
+    // Keys as typed: "\n" is Enter, "\b" Backspace.
+    static void type(QWidget* control, const QString& text) {
+        for (const QChar ch : text) {
+            const bool enter = ch == '\n';
+            const int key = enter        ? int(Qt::Key_Return)
+                            : ch == '\b' ? int(Qt::Key_Backspace)
+                                         : ch.toUpper().unicode();
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, enter ? "\r" : QString(ch));
+            QApplication::sendEvent(control, &press);
+        }
+    }
+    static void mouse(QWidget* control, QEvent::Type type, Qt::MouseButton button, QPoint at) {
+        QMouseEvent event(type, at, control->mapToGlobal(at), button,
+                          type == QEvent::MouseButtonPress ? button : Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(control, &event);
+    }
+};
+
+TEST_F(ValueEntryTest, BlankInFirstBoxWaitsForTheNextCharacterKey) {
+    select(1); // COMMENT "(%s)", an upper-case box
+    form->dbeValue1->end(false);
+    type(form->dbeValue1, "a");
+    EXPECT_EQ(row(1, "Script_Line"), "(DEMO WIRE-CUT PLATEA)");
+    type(form->dbeValue1, " ");
+    EXPECT_EQ(row(1, "Script_Line"), "(DEMO WIRE-CUT PLATEA)");
+    type(form->dbeValue1, "b");
+    EXPECT_EQ(row(1, "Script_Line"), "(DEMO WIRE-CUT PLATEA B)");
+}
+
+TEST_F(ValueEntryTest, SectionCommentBecomesTheLineUnlessItEndsInABlank) {
+    form->show(); // the comment acts only while its panel is showing
+    form->SetActivePage(form->pageScript, form->tabTree);
+    select(7);
+    ASSERT_TRUE(form->pnlSection->isVisible());
+    // An emptied memo leaves the old line.
+    form->dbmComment->selectAll();
+    type(form->dbmComment, "\b");
+    EXPECT_EQ(row(7, "Script_Line"), "(WORKPIECE1)");
+    type(form->dbmComment, "ab");
+    EXPECT_EQ(row(7, "Script_Line"), "(AB)");
+    type(form->dbmComment, " ");
+    EXPECT_EQ(row(7, "Script_Line"), "(AB)");
+    type(form->dbmComment, "\nc");
+    EXPECT_EQ(row(7, "Script_Line"), "(AB \r\nC)");
+    EXPECT_EQ(TdlgJob::WrapComment("a\xE9z"), "(A\xE9Z)");
+}
+
+TEST_F(ValueEntryTest, BrowsedFileAndTheOption) {
+    const std::string file = cell.tmp.file("SUB.NC");
+    testsupport::writeFile(file, "%\r\nO1234 (SUB)\r\nM99\r\n");
+    cell.ui.fileAnswers.push_back(file);
+    select(6); // M98: a file in box 1, "Include File" in box 2
+    form->btnFilenameClick();
+    const auto& request = cell.ui.fileRequests.back();
+    EXPECT_EQ(request.filter, "All Files (*.*)|*.*|Command Files (*.NC)|*.NC");
+    EXPECT_EQ(request.filterIndex, 2);
+    EXPECT_EQ(request.initialDir, cell.platform.exeDir);
+    EXPECT_EQ(row(6, "Value_1"), "1234");
+    EXPECT_EQ(row(6, "Path"), file);
+
+    form->dbeValue1->end(false);
+    type(form->dbeValue1, "5");
+    EXPECT_EQ(row(6, "Value_1"), "12345");
+    EXPECT_EQ(row(6, "Path"), "");
+    // Ticking "Include File" takes the browsed file back into Path.
+    form->chkOption->click();
+    EXPECT_EQ(row(6, "Value_2"), "1");
+    EXPECT_EQ(row(6, "Path"), file);
+
+    // An input directory that exists is where the dialog starts; a cancel changes nothing.
+    form->FInfo.InputDirectory = cell.dir();
+    form->btnFilenameClick();
+    EXPECT_EQ(cell.ui.fileRequests.back().initialDir, cell.dir());
+    EXPECT_EQ(row(6, "Value_1"), "12345");
+
+    // Elsewhere the option continues the line: the lines around it are joined anew.
+    select(16); // G00: its option in box 3 goes on with G65
+    form->chkOption->click();
+    EXPECT_EQ(row(16, "Value_3"), "1");
+    const std::string chain = "G41 D02 G00 X+60.000 Y+5.000 G65 P9010 A+1.500 B-2.000";
+    for (int line : {15, 16, 17})
+        EXPECT_EQ(row(line, "Script_Line"), chain) << line;
+    EXPECT_EQ(tree::AbsoluteIndex(form->SelectedNode()), 16);
+}
+
+TEST_F(ValueEntryTest, SyntaxChoiceByClickAndByRightClick) {
+    cell.run("Quorvel.db", "insert into TemplateDefaults values (1, '2003', '0.7')");
+    cell.run("Quorvel.db",
+             "update Jobs set Value_1 = '12' where Pallet_Number = 7 and Line_Number = 9");
+    select(9); // G92 item 1: X, Y, flag; item 2: X, Y, U, V, flag
+    form->lstSyntax->setCurrentRow(1);
+    form->lstSyntaxClick(form->lstSyntax);
+    EXPECT_EQ(row(9, "Syntax_Item"), "2");
+    EXPECT_EQ(row(9, "Value_1"), "12"); // carried over by type
+    EXPECT_EQ(row(9, "Value_3"), "0");  // the global default, not the local one
+
+    // A right click on row 1 chooses it before the menu; cancelling the menu undoes nothing.
+    QListWidget* list = form->lstSyntax;
+    const QPoint at = list->visualItemRect(list->item(0)).center();
+    mouse(list->viewport(), QEvent::MouseButtonPress, Qt::RightButton, at);
+    form->itemCancelSyntax->trigger();
+    EXPECT_EQ(row(9, "Syntax_Item"), "1");
+    EXPECT_EQ(row(9, "Value_1"), "12");
+
+    // On a section the list does nothing.
+    select(7);
+    const std::string item = row(7, "Syntax_Item");
+    form->lstSyntaxClick(form->lstSyntax);
+    EXPECT_EQ(row(7, "Syntax_Item"), item);
+}
+
+TEST_F(ValueEntryTest, RadioButtonsAndTheirLabelsChooseEveryItem) {
+    cell.run("Quorvel.db", "update Jobs set Image = 2 where Pallet_Number = 7 and Line_Number = 3");
+    select(3); // G54 on the radio page
+    form->radItem4->click();
+    EXPECT_EQ(row(3, "Syntax_Item"), "4");
+    EXPECT_EQ(row(3, "Script_Line"), "G57");
+    EXPECT_EQ(row(3, "Image"), "1");
+
+    QLabel* label = form->txtItem6;
+    mouse(label, QEvent::MouseButtonRelease, Qt::LeftButton, label->rect().center());
+    EXPECT_TRUE(form->radItem6->isChecked());
+    EXPECT_EQ(row(3, "Syntax_Item"), "6");
+    EXPECT_EQ(row(3, "Script_Line"), "G59");
+}
+
+TEST_F(ValueEntryTest, ValueMarkersAndTheValueMenu) {
+    select(11); // G04: global default 0.5, local 2.5
+    form->dbeValueEnter(form->dbeValue1);
+    form->itemLoadGlobalClick();
+    EXPECT_EQ(row(11, "Value_1"), "0.5");
+    EXPECT_EQ(form->textDefault1->text(), "G");
+    form->itemSetLocalClick(); // equal to both: "L"
+    const std::string local = "select [Default] from TemplateDefaults where Value_ID = '2005'";
+    EXPECT_EQ(read(local), "0.5");
+    EXPECT_EQ(form->textDefault1->text(), "L");
+    form->itemClearLocalClick();
+    EXPECT_EQ(read(local), "(no row)");
+    EXPECT_EQ(form->textDefault1->text(), "G");
+    form->mnuDefaultValuePopup();
+    EXPECT_FALSE(form->itemClearLocal->isEnabled());
+
+    // Box 2 keeps the kept oddity: the default is stored, then emptied.
+    select(16);
+    form->dbeValueEnter(form->dbeValue2);
+    form->itemLoadGlobalClick();
+    EXPECT_EQ(row(16, "Value_2"), "");
+    EXPECT_EQ(row(16, "Script_Line"), "G41 D02 G00 X+60.000 Y+0.000");
+
+    // The global default of a number is stored as typed; an empty box never shows "G".
+    select(11);
+    form->dbeValueEnter(form->dbeValue1);
+    form->dbeValue1->selectAll();
+    type(form->dbeValue1, "\b0.750");
+    form->itemSetGlobalClick();
+    EXPECT_EQ(read("select [Default] from ValueType where Value_ID = 2005"), "0.750");
+    EXPECT_EQ(form->textDefault1->text(), "G");
+    select(1); // COMMENT: no global default
+    form->dbeValue1->selectAll();
+    type(form->dbeValue1, "\b");
+    EXPECT_EQ(form->textDefault1->text(), "");
+    form->itemSetLocalClick();
+    EXPECT_EQ(form->textDefault1->text(), "L");
+}
+
+TEST_F(ValueEntryTest, SyntaxMarkersFollowTheSyntaxMenu) {
+    select(3); // G54: global row 0, local row 1
+    EXPECT_EQ(form->textDefSyn[0]->text(), "G");
+    form->lstSyntax->setCurrentRow(2);
+    form->itemSetGlobalDefSynClick();
+    EXPECT_TRUE(form->lstSyntaxDrawItem(2));
+    EXPECT_EQ(form->txtValues->text(), "G54");
+    EXPECT_EQ(form->textDefSyn[0]->text(), "G"); // until another line is selected
+    select(9);
+    select(3);
+    EXPECT_EQ(form->textDefSyn[0]->text(), "");
+    EXPECT_EQ(form->textDefSyn[2]->text(), "G");
+
+    form->lstSyntax->setCurrentRow(3);
+    form->itemSetLocalDefSynClick();
+    const std::string local = "select [Default] from TemplateDefaults where Value_ID = 'G54'";
+    EXPECT_EQ(read(local), "4");
+    EXPECT_EQ(form->textDefSyn[3]->text(), "L");
+    form->lstSyntax->setCurrentRow(2);
+    form->itemClearLocalDefSynClick();
+    EXPECT_EQ(read(local), "(no row)");
+    EXPECT_EQ(form->textDefSyn[2]->text(), ""); // the "G" too
+    EXPECT_EQ(form->textDefSyn[3]->text(), "L");
+}
+
+} // namespace
