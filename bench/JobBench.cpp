@@ -1,6 +1,7 @@
 // Job build from a template of 10,000 nodes beside the bare insert of its rows, and the composer
 // on 100,000 lines of mixed masks.
 #include "BenchSupport.h"
+#include "BigTemplateCell.h"
 #include "common/Scripted.h"
 #include "common/Services.h"
 #include "job/Job.h"
@@ -21,71 +22,6 @@ constexpr int TemplateNodes = 10000;
 constexpr int ComposedLines = 100000;
 
 QApplication& application() { return benchApplication(); }
-
-// The demo cell with template 2 of `nodes` nodes: a header, then workpiece sections of presets,
-// defaults and sub-items, and a footer.
-class BigTemplateCell {
-public:
-    explicit BigTemplateCell(int nodes)
-        : dir_(std::filesystem::temp_directory_path() / "quorvel-bench-job"),
-          services_(common::Services{&ui_, &platform_, &host_}) {
-        store::createCell(dir_.string(), {.overwrite = true, .demoData = true});
-        fillTemplate(nodes);
-        CreateDM();
-        DM().OpenStore(dir_.string(), dir_.string(), 0, 0);
-        DM().PositionTemplate(2);
-        form_ = std::make_unique<TdlgJob>();
-        TJobWizardInfo info;
-        info.TemplateID = 2;
-        info.JobNumber = 1;
-        info.PalletNumber = "7";
-        form_->SetWizardInfo(info);
-        form_->TakeJobKeys();
-        form_->BindDataControls();
-        form_->FilterJobTables();
-    }
-    ~BigTemplateCell() {
-        form_.reset();
-        FreeDM();
-        std::error_code ec;
-        std::filesystem::remove_all(dir_, ec);
-    }
-    TdlgJob& form() { return *form_; }
-
-private:
-    void fillTemplate(int nodes) {
-        // level, code, syntax (-1 default), values
-        static const std::vector<std::array<std::string, 5>> block{
-            {"0", "WRK", "null", "null", "null"},  {"1", "PIECE", "-1", "''", "''"},
-            {"1", "G92", "0", "'10'", "'5'"},      {"2", "UV", "0", "'0.5'", "'-0.5'"},
-            {"1", "G04", "-1", "''", "''"},        {"1", "M98", "1", "'[P4]'", "'2'"},
-            {"1", "OFFSET", "0", "'2'", "'1'"},    {"1", "G00", "-1", "''", "''"},
-            {"1", "COMMENT", "0", "'CUT'", "'0'"}, {"1", "G54", "-1", "''", "''"},
-        };
-        store::Database db("bench", "bench");
-        db.setFileName((dir_ / "Quorvel.db").string());
-        db.open();
-        store::Transaction tx(db);
-        db.execute("insert into TemplateName values (2, 'FX-BIG', 'Big', 1, False)");
-        const auto row = [&](int item, const std::array<std::string, 5>& r) {
-            db.execute("insert into TemplateData values (2, " + std::to_string(item) + ", " + r[0] +
-                       ", '" + r[1] + "', " + r[2] + ", " + r[3] + ", " + r[4] +
-                       ", '', '', '', '', '', False, 0)");
-        };
-        row(0, {"0", "HDR", "null", "null", "null"});
-        for (int item = 1; item < nodes - 1; ++item)
-            row(item, block[static_cast<std::size_t>(item - 1) % block.size()]);
-        row(nodes - 1, {"0", "FTR", "null", "null", "null"});
-        tx.commit();
-    }
-
-    std::filesystem::path dir_;
-    common::ScriptedUi ui_;
-    common::ScriptedPlatform platform_;
-    common::ScriptedHostApplication host_;
-    common::ScopedServices services_;
-    std::unique_ptr<TdlgJob> form_;
-};
 
 void BM_BuildJob10000Nodes(benchmark::State& state) {
     application();

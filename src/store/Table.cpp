@@ -58,6 +58,7 @@ struct Table::Plan {
     std::string pinnedMarks;
     std::vector<Held> findKey;     // by number of key values
     std::vector<Held> findNearest; // by number of key values
+    std::vector<Held> findNearestPinned; // by number of key values past the pinned ones
     // Made at first use: the count under the filter, the position counts, the writes.
     std::vector<std::string> quoted; // column names, quoted
     Held count;
@@ -464,17 +465,32 @@ void Table::findNearest(const std::vector<Value>& key) {
         throw StoreError("Nearest search on table " + tableName_ + " with " +
                          std::to_string(key.size()) + " values; the key has " +
                          std::to_string(keyNames_.size()));
-    auto& cached = plan_->findNearest[key.size()];
+    // A key that starts with the values the filter pins compares only the rest, so that the
+    // index seeks straight to it instead of walking the pinned range from its start.
+    const auto& pinned = plan_->pinned;
+    std::size_t from = 0;
+    if (!pinned.empty() && key.size() > pinned.size()) {
+        from = pinned.size();
+        for (std::size_t i = 0; i < pinned.size(); ++i)
+            if (!(coerce(keyColumns_[i], key[i]) == pinned[i]))
+                from = 0;
+    }
+    auto& slots = from ? plan_->findNearestPinned : plan_->findNearest;
+    if (slots.size() <= key.size())
+        slots.resize(key.size() + 1);
+    auto& cached = slots[key.size()];
     if (!cached) {
         std::string tuple, marks;
-        for (std::size_t i = 0; i < key.size(); ++i) {
-            tuple += (i ? ", " : "") + quoteName(keyNames_[i]);
-            marks += i ? ", ?" : "?";
+        for (std::size_t i = from; i < key.size(); ++i) {
+            tuple += (i > from ? ", " : "") + quoteName(keyNames_[i]);
+            marks += i > from ? ", ?" : "?";
         }
         cached = held(plan_->selectFrom + whereFilter("(" + tuple + ") >= (" + marks + ")") +
                       " order by " + plan_->order + " limit 1");
     }
-    bindKey(*cached, 1, key, false);
+    int index = 1;
+    for (std::size_t i = from; i < key.size(); ++i)
+        cached->bind(index++, coerce(keyColumns_[i], key[i]));
     if (loadRow(*cached)) {
         bof_ = eof_ = false;
     } else if (loadRow(*plan_->last)) {

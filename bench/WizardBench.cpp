@@ -1,0 +1,81 @@
+// The wizard on a job of 10,000 lines: opening it new (build and restore of the tree) and
+// existing, the node search over all lines, and selecting every line in turn.
+#include "BenchSupport.h"
+#include "BigTemplateCell.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+constexpr int Lines = 10000;
+
+void BM_OpenNewJob10000Lines(benchmark::State& state) {
+    benchApplication();
+    BigTemplateCell cell(Lines);
+    for (auto _ : state) {
+        state.PauseTiming();
+        BigTemplateCell::deleteJob();
+        TdlgJob& form = cell.newForm();
+        state.ResumeTiming();
+        if (!form.OpenJob(cell.info()))
+            state.SkipWithError("the job did not open");
+    }
+    state.SetItemsProcessed(state.iterations() * Lines);
+}
+BENCHMARK(BM_OpenNewJob10000Lines)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void BM_OpenExistingJob10000Lines(benchmark::State& state) {
+    benchApplication();
+    BigTemplateCell cell(Lines);
+    cell.newForm().OpenJob(cell.info());
+    for (auto _ : state) {
+        state.PauseTiming();
+        TdlgJob& form = cell.newForm();
+        state.ResumeTiming();
+        if (!form.OpenJob(cell.info()))
+            state.SkipWithError("the job did not open");
+    }
+    state.SetItemsProcessed(state.iterations() * Lines);
+}
+BENCHMARK(BM_OpenExistingJob10000Lines)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// Every line's node in ascending order, walking on from the last: linear in the job's length.
+void BM_FindNodeByIndexInOrder(benchmark::State& state) {
+    benchApplication();
+    const int lines = static_cast<int>(state.range(0));
+    BigTemplateCell cell(lines);
+    TdlgJob& form = cell.newForm();
+    form.OpenJob(cell.info());
+    for (auto _ : state)
+        for (int line = 0; line < lines; ++line)
+            benchmark::DoNotOptimize(form.FindNodeByIndex(line, false));
+    state.SetComplexityN(lines);
+}
+BENCHMARK(BM_FindNodeByIndexInOrder)
+    ->Arg(2500)
+    ->Arg(5000)
+    ->Arg(10000)
+    ->Complexity(benchmark::oN)
+    ->Unit(benchmark::kMicrosecond);
+
+// Each line selected in turn, as the check walk selects them, without the checks.
+void BM_SelectEachLine(benchmark::State& state) {
+    benchApplication();
+    const int lines = static_cast<int>(state.range(0));
+    BigTemplateCell cell(lines);
+    TdlgJob& form = cell.newForm();
+    form.OpenJob(cell.info());
+    for (auto _ : state)
+        for (int line = 0; line < lines; ++line)
+            form.SelectNode(tree::FindNodeByIndex(form.tvwTemplate, line));
+    state.SetComplexityN(lines);
+    state.SetItemsProcessed(state.iterations() * lines);
+}
+BENCHMARK(BM_SelectEachLine)
+    ->Arg(2500)
+    ->Arg(10000)
+    ->Complexity(benchmark::oN)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+
+} // namespace
