@@ -95,4 +95,3 @@ private:
     TJobWizardInfo info_;
     std::unique_ptr<TdlgJob> form_;
 };
-

@@ -137,6 +137,18 @@ void FieldBinding::keyPress(QKeyEvent* event, bool editing, bool upper,
     control(event);
 }
 
+void FieldBinding::asRowValue(const std::function<void()>& show) {
+    const bool saved = showing_;
+    showing_ = true;
+    try {
+        show();
+    } catch (...) {
+        showing_ = saved;
+        throw;
+    }
+    showing_ = saved;
+}
+
 void FieldBinding::noteTextChanged() {
     if (showing_ || !bound() || !source_->dataSet())
         return;
@@ -195,9 +207,19 @@ void TDBMemo::setUpperCase(bool upper) {
 }
 
 void TDBMemo::setText(const QString& text) {
+    hasPending_ = false;
+    pending_.clear();
     const QString value = upper_ ? upperAscii(text) : text;
     if (value != toPlainText())
         setPlainText(value);
+}
+
+void TDBMemo::showEvent(QShowEvent* event) {
+    if (hasPending_) {
+        const QString value = pending_;
+        asRowValue([&] { setText(value); });
+    }
+    QPlainTextEdit::showEvent(event);
 }
 
 void TDBMemo::keyPressEvent(QKeyEvent* event) {
@@ -214,13 +236,19 @@ void TDBMemo::focusOutEvent(QFocusEvent* event) {
 // The column holds the lines of a memo with CR LF between them, as a memo of the classic
 // runtime stores them; the editor itself works with bare line feeds.
 std::string TDBMemo::controlText() const {
-    QString text = toPlainText();
+    QString text = this->text();
     text.replace('\n', "\r\n");
     return text.toStdString();
 }
 
 void TDBMemo::setControlText(const std::string& text) {
-    setText(QString::fromStdString(text).replace("\r\n", "\n"));
+    const QString value = QString::fromStdString(text).replace("\r\n", "\n");
+    if (!isVisible()) {
+        pending_ = upper_ ? upperAscii(value) : value;
+        hasPending_ = true;
+        return;
+    }
+    setText(value);
 }
 
 // ---- TDBText ----

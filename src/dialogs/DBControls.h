@@ -41,6 +41,8 @@ protected:
                   const std::function<void(QKeyEvent*)>& control);
     // Called when the text changed; marks the control modified unless the row set it.
     void noteTextChanged();
+    // Runs `show` as the row showing its value: the change it makes is not the user's.
+    void asRowValue(const std::function<void()>& show);
     virtual std::string controlText() const = 0;
     virtual void setControlText(const std::string& text) = 0;
 
@@ -86,17 +88,24 @@ public:
     explicit TDBMemo(QWidget* parent = nullptr);
     void setUpperCase(bool upper);
     bool upperCase() const { return upper_; }
-    QString text() const { return toPlainText(); }
+    // The text the memo holds, also while a row's value waits for the memo to show.
+    QString text() const { return hasPending_ ? pending_ : toPlainText(); }
     void setText(const QString& text);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     std::string controlText() const override;
     void setControlText(const std::string& text) override;
 
 private:
     bool upper_ = false;
+    // While the memo is not showing, a row's value waits here instead of being laid out on
+    // every cursor move: nothing can see or edit a hidden memo's text, and the change handlers
+    // of the memo act only while it shows.
+    QString pending_;
+    bool hasPending_ = false;
 };
 
 // A label showing a column.

@@ -56,8 +56,8 @@ struct Table::Plan {
     Held priorPinned;
     std::string pinnedTuple;
     std::string pinnedMarks;
-    std::vector<Held> findKey;     // by number of key values
-    std::vector<Held> findNearest; // by number of key values
+    std::vector<Held> findKey;           // by number of key values
+    std::vector<Held> findNearest;       // by number of key values
     std::vector<Held> findNearestPinned; // by number of key values past the pinned ones
     // Made at first use: the count under the filter, the position counts, the writes.
     std::vector<std::string> quoted; // column names, quoted
