@@ -56,6 +56,9 @@ struct Table::Plan {
     Held priorPinned;
     std::string pinnedTuple;
     std::string pinnedMarks;
+    // Texts of the step statements, prepared at their first use: a filter change needs only
+    // `first`, and routines change filters far more often than they step.
+    std::string lastSql, nextSql, priorSql, byRowidSql, nextPinnedSql, priorPinnedSql;
     std::vector<Held> findKey;           // by number of key values
     std::vector<Held> findNearest;       // by number of key values
     std::vector<Held> findNearestPinned; // by number of key values past the pinned ones
@@ -211,12 +214,12 @@ void Table::buildPlan() {
         marks += i ? ", ?" : "?";
     marks = "(" + marks + ")";
     p.first = held(p.selectFrom + whereFilter("") + " order by " + p.order + " limit 1");
-    p.last = held(p.selectFrom + whereFilter("") + " order by " + p.orderDesc + " limit 1");
-    p.next = held(p.selectFrom + whereFilter(p.tuple + " > " + marks) + " order by " + p.order +
-                  " limit 1");
-    p.prior = held(p.selectFrom + whereFilter(p.tuple + " < " + marks) + " order by " +
-                   p.orderDesc + " limit 1");
-    p.byRowid = held(p.selectFrom + " where _rowid_ = ?");
+    p.lastSql = p.selectFrom + whereFilter("") + " order by " + p.orderDesc + " limit 1";
+    p.nextSql =
+        p.selectFrom + whereFilter(p.tuple + " > " + marks) + " order by " + p.order + " limit 1";
+    p.priorSql = p.selectFrom + whereFilter(p.tuple + " < " + marks) + " order by " + p.orderDesc +
+                 " limit 1";
+    p.byRowidSql = p.selectFrom + " where _rowid_ = ?";
     if (!p.where.empty() && !keyNames_.empty()) {
         if (auto terms = equalityTerms(filter_)) {
             for (std::size_t k = 0; k < keyNames_.size(); ++k) {
@@ -238,10 +241,10 @@ void Table::buildPlan() {
         }
         p.pinnedTuple = "(" + p.pinnedTuple + ")";
         p.pinnedMarks = "(" + p.pinnedMarks + ")";
-        p.nextPinned = held(p.selectFrom + whereFilter(p.pinnedTuple + " > " + p.pinnedMarks) +
-                            " order by " + p.order + " limit 1");
-        p.priorPinned = held(p.selectFrom + whereFilter(p.pinnedTuple + " < " + p.pinnedMarks) +
-                             " order by " + p.orderDesc + " limit 1");
+        p.nextPinnedSql = p.selectFrom + whereFilter(p.pinnedTuple + " > " + p.pinnedMarks) +
+                          " order by " + p.order + " limit 1";
+        p.priorPinnedSql = p.selectFrom + whereFilter(p.pinnedTuple + " < " + p.pinnedMarks) +
+                           " order by " + p.orderDesc + " limit 1";
     } else {
         p.pinned.clear();
     }
@@ -251,6 +254,12 @@ void Table::buildPlan() {
     for (auto& name : names_)
         p.quoted.push_back(quoteName(name));
     p.insert.assign(names_.size() + 1, nullptr);
+}
+
+Statement& Table::planned(std::shared_ptr<Statement>& slot, const std::string& sql) {
+    if (!slot)
+        slot = held(sql);
+    return *slot;
 }
 
 bool Table::loadRow(Statement& stmt) {
@@ -269,7 +278,7 @@ bool Table::loadRow(Statement& stmt) {
 }
 
 bool Table::readByRowid(std::int64_t rowid) {
-    auto& stmt = *plan_->byRowid;
+    auto& stmt = planned(plan_->byRowid, plan_->byRowidSql);
     stmt.bind(1, Value(static_cast<long long>(rowid)));
     return loadRow(stmt);
 }
@@ -330,8 +339,11 @@ void Table::bindPosition(Statement& stmt, int from, const std::vector<Value>& ro
 
 Statement& Table::stepStatement(bool forward, const std::vector<Value>& row, std::int64_t rowid) {
     const bool pinned = withinPinned(row);
-    Statement& stmt = pinned ? *(forward ? plan_->nextPinned : plan_->priorPinned)
-                             : *(forward ? plan_->next : plan_->prior);
+    auto& p = *plan_;
+    Statement& stmt = pinned
+                          ? (forward ? planned(p.nextPinned, p.nextPinnedSql)
+                                     : planned(p.priorPinned, p.priorPinnedSql))
+                          : (forward ? planned(p.next, p.nextSql) : planned(p.prior, p.priorSql));
     bindPosition(stmt, pinned ? static_cast<int>(plan_->pinned.size()) : 0, row, rowid);
     return stmt;
 }
@@ -352,7 +364,7 @@ void Table::first() {
 void Table::last() {
     requireActive();
     settlePendingEdit();
-    if (loadRow(*plan_->last)) {
+    if (loadRow(planned(plan_->last, plan_->lastSql))) {
         bof_ = false;
         eof_ = true;
     } else {
@@ -493,7 +505,7 @@ void Table::findNearest(const std::vector<Value>& key) {
         cached->bind(index++, coerce(keyColumns_[i], key[i]));
     if (loadRow(*cached)) {
         bof_ = eof_ = false;
-    } else if (loadRow(*plan_->last)) {
+    } else if (loadRow(planned(plan_->last, plan_->lastSql))) {
         // Past the last key: stand on the last row, with the end flag clear.
         bof_ = eof_ = false;
     } else {
@@ -578,7 +590,8 @@ void Table::deleteRecord() {
     database_->bumpGeneration();
     del.run();
     // Go to the next row, or to the new last row when the last was deleted.
-    if (loadRow(stepStatement(true, deletedRow, deletedRowid)) || loadRow(*plan_->last)) {
+    if (loadRow(stepStatement(true, deletedRow, deletedRowid)) ||
+        loadRow(planned(plan_->last, plan_->lastSql))) {
         bof_ = eof_ = false;
     } else {
         clearRow();

@@ -68,6 +68,8 @@ private:
     struct Plan;
     // A statement through the database's cache, held by the caller beyond an eviction from it.
     std::shared_ptr<Statement> held(const std::string& sql);
+    // The statement of a slot of the plan, prepared from `sql` at its first use.
+    Statement& planned(std::shared_ptr<Statement>& slot, const std::string& sql);
     void buildPlan();
     std::string whereFilter(const std::string& extra) const;
     // Loads the row found by `stmt` (already stepped); false when there was none.
