@@ -136,3 +136,21 @@ TEST(QuorvelJob, ChangedTemplateAsksThroughTheGateThenUpdates) {
     EXPECT_NE(cli.local(version), built);
     EXPECT_EQ(cli.local(jobRows), cli.local("select count(*) from TemplateData"));
 }
+
+TEST(JobCli, ScriptWalksTheTreeThroughTheOperatorsHandlers) {
+    JobCli cli;
+    const auto line11 = [&] {
+        return cli.local("select Image || '|' || Value_1 || '|' || Script_Line from Jobs "
+                         "where Line_Number = 11");
+    };
+    // A bad value typed into the dwell time: Next keeps the line open.
+    auto walk = cli.script("select 11\nvalue 1 abc\nnext\n");
+    ASSERT_EQ(walk.exitCode, 0) << walk.err;
+    EXPECT_EQ(line11(), "1|abc|G04 X0.0"); // a value that is no number composes as 0
+    // A good one: Next finishes the line; the script view shows the composed program.
+    walk = cli.script("select 11\nvalue 1 3.75\nnext\nview\n");
+    ASSERT_EQ(walk.exitCode, 0) << walk.err;
+    EXPECT_EQ(line11(), "2|3.75|G04 X3.75");
+    EXPECT_NE(walk.out.find("\nG04 X3.75\n"), std::string::npos) << walk.out;
+    EXPECT_EQ(cli.script("select 99999\n").exitCode, 2);
+}
