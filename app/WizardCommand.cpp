@@ -15,6 +15,7 @@
 #include <fstream>
 #include <iostream>
 #include <limits>
+#include <memory>
 
 // quorvel is the host: its own "GetJobInfo" receives the module's report and prints it.
 extern "C" void GetJobInfo(TAutomationInfo* info) {
@@ -146,7 +147,9 @@ std::optional<int> WizardCommand::run(int argc, char** argv) {
 
     common::BoolMessageGate gate(gate_ == "on");
     TJobWizardInfo info;
-    info.HostModule = dlopen(nullptr, RTLD_NOW);
+    // The host's own image, as the library that offers "GetJobInfo".
+    const std::unique_ptr<void, int (*)(void*)> self(dlopen(nullptr, RTLD_NOW), dlclose);
+    info.HostModule = self.get();
     info.TemplateID = templateId_;
     info.JobNumber = job_number_;
     info.PalletNumber = pallet_;
@@ -160,11 +163,9 @@ std::optional<int> WizardCommand::run(int argc, char** argv) {
     try {
         boundary::JobWizard(info);
     } catch (const ScriptError& e) {
-        dlclose(info.HostModule);
         std::cerr << "quorvel job: " << e.what() << '\n';
         return 2;
     }
-    dlclose(info.HostModule);
     return 0;
 }
 
