@@ -4,8 +4,8 @@
 // main provides the QApplication.
 #include "job/Job.h"
 #include "store/DataMod.h"
-#include "template/Template.h"
 #include "support/CellFixture.h"
+#include "template/Template.h"
 
 #include <QApplication>
 #include <gtest/gtest.h>
@@ -25,6 +25,7 @@ protected:
         info.TemplateID = 1;
         info.JobNumber = 1;
         info.PalletNumber = "7";
+        info.MessageGate = &gate;
         form->SetWizardInfo(info);
         form->TakeJobKeys();
     }
@@ -48,7 +49,12 @@ protected:
         return jobs.fieldByName(column).asString();
     }
 
+    // The node of a line, and its selection as code selects it.
+    QTreeWidgetItem* node(int line) { return tree::FindNodeByIndex(form->tvwTemplate, line); }
+    void select(int line) { form->SelectNode(node(line)); }
+
     testsupport::CellFixture cell{true};
+    common::BoolMessageGate gate{true};
     std::unique_ptr<TdlgJob> form;
 };
 

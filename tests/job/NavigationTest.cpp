@@ -23,8 +23,6 @@ protected:
         ASSERT_TRUE(form->OpenJob(info));
     }
 
-    QTreeWidgetItem* node(int line) { return tree::FindNodeByIndex(form->tvwTemplate, line); }
-    void select(int line) { form->SelectNode(node(line)); }
     int selected() { return tree::AbsoluteIndex(form->SelectedNode()); }
     void update(const std::string& set, int line) {
         auto q = DM().NewLocalQuery();

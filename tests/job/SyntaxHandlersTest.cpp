@@ -18,16 +18,9 @@ class SyntaxHandlersTest : public jobtest::JobFixture {
 protected:
     void SetUp() override {
         JobFixture::SetUp();
-        TJobWizardInfo info;
-        info.TemplateID = 1;
-        info.JobNumber = 1;
-        info.PalletNumber = "7";
-        info.MessageGate = &gate;
-        ASSERT_TRUE(form->OpenJob(info));
+        ASSERT_TRUE(form->OpenJob(form->WizardInfo()));
     }
 
-    QTreeWidgetItem* node(int line) { return tree::FindNodeByIndex(form->tvwTemplate, line); }
-    void select(int line) { form->SelectNode(node(line)); }
     // Changes job rows behind the wizard's back, as another statement would.
     void update(const std::string& set, const std::string& lines) {
         auto q = DM().NewLocalQuery();
@@ -45,8 +38,6 @@ protected:
         q->open();
         return q->isEmpty() ? "(no row)" : q->fields(0).asString();
     }
-
-    common::BoolMessageGate gate{true};
 };
 
 TEST_F(SyntaxHandlersTest, CommandLineTakesCheckedSubItemsUnlessClosed) {

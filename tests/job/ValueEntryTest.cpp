@@ -20,7 +20,6 @@ protected:
         ASSERT_TRUE(form->OpenJob(form->WizardInfo()));
     }
 
-    void select(int line) { form->SelectNode(tree::FindNodeByIndex(form->tvwTemplate, line)); }
     // The first field of a statement's first row, read past the wizard's tables.
     static std::string read(const std::string& sql) {
         auto q = DM().NewLocalQuery();
