@@ -21,6 +21,7 @@
 #include <QSpinBox>
 #include <QTabWidget>
 
+#include <filesystem>
 #include <iostream>
 
 namespace app {
@@ -247,6 +248,20 @@ void ScriptUi::addWalkActions() {
         if (item->isEnabled())
             item->trigger();
     };
+    actions_["write"] = [this](TdlgJob& form, const std::string& argument) {
+        if (argument.empty())
+            throw ScriptError("needs the file name that answers the save dialog");
+        namespace fs = std::filesystem;
+        saveAnswer_ = argument;
+        const auto started = fs::file_time_type::clock::now();
+        form.btnWrite->click();
+        const bool asked = !saveAnswer_;
+        saveAnswer_.reset();
+        std::error_code ec;
+        if (asked && fs::is_regular_file(form.FProgramFileName, ec) &&
+            fs::last_write_time(form.FProgramFileName, ec) >= started - std::chrono::seconds(2))
+            std::cout << form.FProgramFileName << '\n';
+    };
     actions_["view"] = [](TdlgJob& form, const std::string& argument) {
         noArgument(argument);
         // The Script View tab and back to the Tree View, as the operator clicks them.
@@ -300,7 +315,13 @@ common::ModalResult ScriptUi::message(common::MessageKind, const std::string& te
 
 bool ScriptUi::openFile(const common::FileDialogRequest&, std::string&) { return false; }
 
-bool ScriptUi::saveFile(const common::FileDialogRequest&, std::string&) { return false; }
+bool ScriptUi::saveFile(const common::FileDialogRequest&, std::string& fileName) {
+    if (!saveAnswer_)
+        return false;
+    fileName = *saveAnswer_;
+    saveAnswer_.reset();
+    return true;
+}
 
 common::ModalResult ScriptUi::showModal(QWidget* form) {
     if (auto* wizard = qobject_cast<TdlgJob*>(form); wizard && windowUi_)
@@ -319,6 +340,9 @@ common::ModalResult ScriptUi::showModal(QWidget* form) {
     if (auto* box = qobject_cast<TdlgMessage*>(form)) {
         std::cout.flush();
         std::cerr << "message: " << oneLine(box->txtMessage->text().toStdString()) << std::endl;
+    } else if (form) {
+        std::cout.flush();
+        std::cerr << "dialog: " << form->windowTitle().toStdString() << std::endl;
     }
     const QVariant fallback = form ? form->property("defaultModalResult") : QVariant();
     return take(fallback.isValid() ? static_cast<common::ModalResult>(fallback.toInt())

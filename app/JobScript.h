@@ -56,7 +56,8 @@ private:
     std::optional<common::ModalResult> runAnswer_;
     std::optional<common::ModalResult> nextAnswer_;
     std::map<std::string, Action> actions_;
-    QWidget* addressed_ = nullptr; // the box or list the last action addressed
+    QWidget* addressed_ = nullptr;          // the box or list the last action addressed
+    std::optional<std::string> saveAnswer_; // the name that answers the next save dialog
     common::Ui* windowUi_ = nullptr;
 };
 

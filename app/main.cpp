@@ -1,5 +1,6 @@
 // quorvel: the stand-alone host of the FANUC Robocut machine module.
 #include "Commands.h"
+#include "CopyCommand.h"
 #include "JobCommands.h"
 #include "TemplateCommands.h"
 #include "WizardCommand.h"
@@ -29,6 +30,7 @@ int main(int argc, char** argv) {
     app::JobCommands jobCommands(cli, cellDir);
     app::TemplateCommands templateCommands(cli, cellDir);
     app::WizardCommand wizardCommand(cli, cellDir);
+    app::CopyCommand copyCommand(cli);
 
     CLI11_PARSE(cli, argc, argv);
     try {
@@ -41,6 +43,8 @@ int main(int argc, char** argv) {
         if (auto code = templateCommands.run(argc, argv))
             return *code;
         if (auto code = wizardCommand.run(argc, argv))
+            return *code;
+        if (auto code = copyCommand.run(argc, argv))
             return *code;
     } catch (const std::exception& e) {
         std::cerr << "quorvel: " << e.what() << '\n';

@@ -12,7 +12,8 @@ cell=${QUORVEL_CELL:-$PWD/build/cell}
 ./build/quorvel build --cell "$cell" --template 1 --pallet 7 --job 1
 # The wizard on that job without a window: program number and line numbering, then a short walk
 # of the first workpiece (Next checks a line and advances; a typed value recomposes the line),
-# and the script view of the whole program.
+# the script view of the whole program, and Write: every line is checked, the master program
+# Pal00007.NC is written into the pallet's folder of the cell and reported to the host.
 ./build/quorvel job --cell "$cell" --template 1 --pallet 7 --job 1 --script - <<'SCRIPT'
 machines
 program 7
@@ -25,4 +26,7 @@ next
 value 1 2.5
 next
 view
+write Pal00007
 SCRIPT
+echo "---- $cell/Pallet7/Pal00007.NC"
+tr -d '\r' < "$cell/Pallet7/Pal00007.NC"

@@ -97,9 +97,13 @@ public:
         if (callbacks.terminate)
             callbacks.terminate(callbacks.context);
     }
+    // The host's own pump when it gives one; otherwise the Qt application's events, so that the
+    // module's windows (a copy's Cancel button) stay live.
     void processMessages() override {
         if (callbacks.processMessages)
             callbacks.processMessages(callbacks.context);
+        else if (hostHasWindows())
+            QCoreApplication::processEvents();
     }
 };
 
@@ -306,6 +310,15 @@ int32_t JobWizard(const RcJobWizardInfo* info) {
         record.HostFlag2 = info->HostFlag2;
         record.MessageGate = gate.get();
         boundary::JobWizard(record);
+        return 0;
+    });
+}
+
+int32_t CopyFiles(const char* source, const char* destination) {
+    return guarded([&] {
+        if (!hostHasWindows())
+            throw std::logic_error("CopyFiles needs the host's Qt application");
+        boundary::CopyFiles(text(source), text(destination));
         return 0;
     });
 }

@@ -72,7 +72,8 @@ typedef struct RcAutomationInfo {
 } RcAutomationInfo;
 
 /* What the module asks of its host. Any member may be NULL: messages then go to standard error
- * with the default answer, and a terminate request is only noted (RcTerminateRequested). */
+ * with the default answer, a terminate request is only noted (RcTerminateRequested), and pending
+ * messages are the host's Qt application's events, when it runs one. */
 typedef struct RcHostCallbacks {
     void* context;
     void (*terminate)(void* context);
@@ -119,6 +120,11 @@ RC_API int32_t DeleteTemplate(void);
  * set, or when the job cannot be opened, the host's "GetJobInfo" gets the report at once. Needs a
  * running QApplication in the host's process. 0, or -1 with the reason in RcLastError(). */
 RC_API int32_t JobWizard(const RcJobWizardInfo* info);
+/* Copies a job's files (not its programs, JOB.DAT, JOB.IDX or subdirectories) from the source
+ * directory to the destination in a progress window, which stays up one more second after the
+ * last file. Files that cannot be copied are passed over in silence. Needs a running QApplication
+ * in the host's process. 0, or -1 (nothing copied) with the reason in RcLastError(). */
+RC_API int32_t CopyFiles(const char* source, const char* destination);
 
 #ifdef __cplusplus
 }

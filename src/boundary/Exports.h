@@ -5,6 +5,9 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
+
+class TdlgExport;
 
 namespace boundary {
 
@@ -32,6 +35,26 @@ void GetTemplateName(std::int32_t templateId, std::string& name);
 bool JobFileExists(const std::string& directory);
 // Deletes a job's rows; both texts go into the statement as given.
 void DeleteJob(const std::string& palletNumber, const std::string& jobNumber);
+
+// Copies a job's files (no subdirectories, no programs, no JOB.DAT or JOB.IDX) from `source` to
+// `destination` in a progress window that stays up one more second after the last file. Copies
+// that fail are passed over in silence. Needs a QApplication (std::logic_error without one).
+void CopyFiles(const std::string& source, const std::string& destination);
+// The copy loop behind CopyFiles: shows each name in `form`, lets pending messages run after each
+// file and returns at once when form.FDone has been set (Cancel). form.FDone is true afterwards.
+void CopyJobFiles(TdlgExport& form, const std::string& source, const std::string& destination,
+                  bool filter);
+// The names of `source` that the copy loop tries, in name order: every entry except plain
+// directories and, with `filter`, program files, JOB.DAT and JOB.IDX.
+std::vector<std::string> JobFilesToCopy(const std::string& source, bool filter);
+// Copies one entry of `source` to `destination` with overwriting; false when the copy failed.
+bool CopyJobFile(const std::string& source, const std::string& destination,
+                 const std::string& name);
+// Whether the name's extension is ".NC" in any case of letters.
+bool IsProgramFile(const std::string& fileName);
+// Lets pending messages run for `milliseconds` on the platform's tick counter (a busy wait). The
+// first reading counts as signed: with the counter at 2^31 or beyond it ends after one round.
+void PumpMessages(std::uint32_t milliseconds);
 
 // A new template under the lowest free id, edited in the template editor. On OK `name` is the
 // name typed; otherwise the template's row is removed again and `name` is empty. Needs a

@@ -49,9 +49,15 @@ public:
 class ScriptedHostApplication : public HostApplication {
 public:
     void terminate() override { ++terminateCalls; }
-    void processMessages() override { ++processMessagesCalls; }
+    void processMessages() override {
+        ++processMessagesCalls;
+        if (onProcessMessages)
+            onProcessMessages();
+    }
     int terminateCalls = 0;
     int processMessagesCalls = 0;
+    // Runs on every processMessages, as a pending message would (a click on Cancel, say).
+    std::function<void()> onProcessMessages;
 };
 
 // A platform with a fake clock: sleep advances the clock, nothing waits. Files are real (tests

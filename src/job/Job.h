@@ -16,6 +16,7 @@
 //   JobComment.cpp    section comments as program lines
 //   FileSource.cpp    the choice between two sources of an included file
 //   JobProgram.cpp    program number, line numbers, baskets and the queue
+//   JobWrite.cpp      the master program: check walk, file, report; the previous job's files
 #include "boundary/Structs.h"
 #include "dialogs/DBControls.h"
 #include "template/TreeNodes.h"
@@ -53,7 +54,8 @@ public:
 
 namespace job {
 class JobLineReplay;
-}
+class ProgramFile;
+} // namespace job
 
 // An entry of the form's workpiece list: first piece, line, range start, range end.
 struct TWorkpieceRange {
@@ -125,7 +127,8 @@ public:
     // Moves the tree selection to the line clicked in the script view.
     void lstScriptClick();
     void btnExpandClick();
-    void btnCollapseClick();
+    // Sender nullptr (from the write walk) keeps the status message.
+    void btnCollapseClick(QObject* Sender);
 
     // ---- Program number and line numbers (JobProgram.cpp) ----
     void spnProgramNumberChange();
@@ -222,6 +225,24 @@ public:
     // checked chkOption is copied into the local directory and its name added to FFileList; with
     // CheckOnly only the source's existence is answered and nothing changes.
     bool ValidateValue(dialogs::TDBEdit* Edit, int ValueType, bool CheckOnly);
+
+    // ---- The master program (JobWrite.cpp) ----
+    // Checks every line as Next does, then asks for the file name and writes the program into
+    // the job's local directory; the host gets the program and the included files.
+    void btnWriteClick();
+    // Deletes, keeps or asks about the files of the previous job in the pallet directory;
+    // false when the operator cancels.
+    bool ClearPalletFiles();
+    // The file from the job's rows as they stand: the opening lines, the rows that are neither
+    // skipped nor joined to the row before, the closing lines. File errors raise a JobError
+    // naming the file; no partial file is left.
+    void WriteMasterProgram(const std::string& FileName);
+    // "N<number> " when line numbers are on, the number then growing by Increment; "" when off.
+    std::string WriteLinePrefix(int& LineNumber, int Increment);
+    // Opens the master program in the text editor; opens the file search in the current
+    // directory.
+    void btnEditClick();
+    void btnFindClick();
 
     // ---- Top panel ----
     void btnExitClick();
@@ -475,6 +496,12 @@ private:
     void AppendSectionLine(int LineNumber, const std::string& Code, int NodeLevel, int State);
     // Restores each node's image and state from the job's rows; false on a row without a node.
     bool RestoreTree();
+    // The write: the check walk over every line (true when it ends without a bad value), the
+    // file from the rows, the report.
+    bool CheckAllLines();
+    void SelectFirstRoot();
+    void WriteProgramLines(job::ProgramFile& File);
+    void ReportProgramToHost();
 
     bool FControlsBound = false;
     bool FActivateArmed = true; // FormActivate runs at the next activation

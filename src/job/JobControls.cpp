@@ -375,6 +375,9 @@ void TdlgJob::connectHandlers() {
     };
     click(btnProgramNumber, &Self::btnProgramNumberClick);
     click(btnLineNumbers, &Self::btnLineNumbersClick);
+    click(btnWrite, &Self::btnWriteClick);
+    click(btnEdit, &Self::btnEditClick);
+    click(btnFind, &Self::btnFindClick);
     click(btnExit, &Self::btnExitClick);
     // Spin edits and the check box run their handlers also when code sets them.
     connect(spnProgramNumber, &QSpinBox::valueChanged, this,

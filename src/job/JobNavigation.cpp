@@ -46,7 +46,7 @@ void TdlgJob::connectNavigationHandlers() {
             [this] { Event([&] { btnNextClick(btnNext); }); });
     connect(btnExpand, &QPushButton::clicked, this, [this] { Event([&] { btnExpandClick(); }); });
     connect(btnCollapse, &QPushButton::clicked, this,
-            [this] { Event([&] { btnCollapseClick(); }); });
+            [this] { Event([&] { btnCollapseClick(btnCollapse); }); });
     // Code changes the page through SetActivePage and the script view's row with signals
     // blocked, so these run for the operator only.
     connect(pageScript, &QTabWidget::currentChanged, this,
@@ -262,10 +262,10 @@ void TdlgJob::btnExpandClick() {
         tvwTemplate->scrollToItem(node, QAbstractItemView::PositionAtTop);
 }
 
-void TdlgJob::btnCollapseClick() {
+void TdlgJob::btnCollapseClick(QObject* Sender) {
     tvwTemplate->setVisible(false);
     tree::CollapseAll(tvwTemplate);
     tvwTemplate->setVisible(true);
-    tvwTemplateChange(btnCollapse, SelectedNode());
+    tvwTemplateChange(Sender, SelectedNode());
     tvwTemplate->setFocus();
 }

@@ -107,3 +107,16 @@ TEST(QuorvelCli, TemplateDeleteOpensTheDialogAndLeavesTemplatesWhenClosed) {
     EXPECT_NE(run.output.find("Templates left: 1"), std::string::npos) << run.output;
     EXPECT_EQ(quorvel("templates " + cell).output, "0\t(New)\n1\tDemo wire-cut plate\n");
 }
+
+TEST(QuorvelCli, CopyWithoutWindowPrintsTheCopiedNames) {
+    testsupport::TempDir from, to;
+    for (auto name : {"O1.NC", "JOB.DAT", "b.txt", "a.txt"})
+        testsupport::writeFile(from.file(name), name);
+    std::filesystem::create_directories(from.path() / "sub");
+    const auto run = quorvel("copy --no-window '" + from.str() + "' '" + to.str() + "'");
+    ASSERT_EQ(run.exitCode, 0) << run.output;
+    EXPECT_EQ(run.output, "a.txt\nb.txt\n");
+    EXPECT_EQ(testsupport::readFile(to.file("b.txt")), "b.txt");
+    EXPECT_FALSE(std::filesystem::exists(to.file("O1.NC")));
+    EXPECT_NE(quorvel("copy --no-window '" + from.str() + "'").exitCode, 0);
+}

@@ -1,0 +1,271 @@
+// The master program: the file from a job's rows against hand-written files (tests/data), and
+// Write as the operator presses it: the previous job's files, the check walk, the save dialog,
+// the header's Path and the report to the host.
+#include "JobFixture.h"
+
+#include "common/Convert.h"
+#include "common/Format.h"
+#include "dialogs/DeleteFiles.h"
+
+#include <QCheckBox>
+#include <QSpinBox>
+#include <QStatusBar>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<TAutomationInfo> received;
+void GetJobInfo(TAutomationInfo* info) { received.push_back(*info); }
+
+std::string readBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::vector<std::string> splitLines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+// "\r" and "\n" written out in a case file stand for CR and LF.
+std::string unescape(std::string text) {
+    for (const auto& [from, to] : {std::pair{"\\r", "\r"}, std::pair{"\\n", "\n"}})
+        for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at))
+            text.replace(at, 2, to);
+    return text;
+}
+
+// The first line where two files differ, for the failure message.
+std::string firstDifference(const std::string& expected, const std::string& actual) {
+    const auto want = splitLines(expected);
+    const auto got = splitLines(actual);
+    for (std::size_t i = 0; i < std::max(want.size(), got.size()); ++i) {
+        const std::string a = i < want.size() ? want[i] : "<none>";
+        const std::string b = i < got.size() ? got[i] : "<none>";
+        if (a != b)
+            return "line " + std::to_string(i + 1) + ": expected '" + a + "', written '" + b + "'";
+    }
+    return "same lines, different line ends";
+}
+
+class WriteTest : public jobtest::JobFixture {
+protected:
+    void SetUp() override {
+        JobFixture::SetUp();
+        received.clear();
+        cell.platform.exeDir = cell.dir() + "/";
+        cell.platform.libraries["host"]["GetJobInfo"] = reinterpret_cast<void*>(&GetJobInfo);
+    }
+    // Opens the demo job with its directories and the host.
+    void open() {
+        TJobWizardInfo info = form->WizardInfo();
+        info.LocalDirectory = local.str();
+        info.InputDirectory = cell.dir();
+        info.HostModule = cell.platform.loadLibrary("host");
+        info.HostText1 = "cell A";
+        ASSERT_TRUE(form->OpenJob(info));
+    }
+    // The job's rows replaced by the rows of a case file.
+    void loadRows(const std::string& file) {
+        auto q = DM().NewLocalQuery();
+        q->setSql("delete from Jobs");
+        q->execSQL();
+        std::ifstream in(file);
+        for (std::string line; std::getline(in, line);) {
+            if (line.empty() || line[0] == '#')
+                continue;
+            std::vector<std::string> f;
+            std::istringstream fields(line);
+            for (std::string field; std::getline(fields, field, '\t');)
+                f.push_back(field);
+            f.resize(12);
+            q->setSql(common::format(
+                "insert into Jobs (Pallet_Number, Job_Number, Line_Number, Node_Level, Code, "
+                "Syntax_Item, Image, Value_1, Value_2, Value_3, Value_4, Value_5, Value_6, "
+                "Script_Line, State) values (7, 1, %s, %s, '%s', %s, %s, '%s', '%s', '%s', '%s', "
+                "'%s', '%s', '%s', 0)",
+                {f[0], f[1], f[2], f[3], f[4], f[5], f[6], f[7], f[8], f[9], f[10],
+                 unescape(f[11])}));
+            q->execSQL();
+        }
+    }
+    std::string row(int line, const char* column) {
+        auto q = DM().NewLocalQuery();
+        q->setSql(std::string("select ") + column +
+                  " from Jobs where Pallet_Number = 7 and Line_Number = " + std::to_string(line));
+        q->open();
+        return q->fields(0).asString();
+    }
+    std::string program() const { return local.file("Pal00007.NC"); }
+
+    testsupport::TempDir local;
+};
+
+TEST_F(WriteTest, FilesFromRowsMatchTheHandWrittenPrograms) {
+    form->BindDataControls();
+    form->FilterJobTables();
+    int cases = 0;
+    for (const auto& entry : fs::directory_iterator(QUORVEL_TEST_DATA_DIR)) {
+        if (!fs::exists(entry.path() / "rows.tsv"))
+            continue;
+        SCOPED_TRACE(entry.path().filename().string());
+        ++cases;
+        loadRows((entry.path() / "rows.tsv").string());
+        std::ifstream settings(entry.path() / "settings");
+        for (std::string word, value; settings >> word >> value;) {
+            if (word == "program")
+                form->spnProgramNumber->setValue(common::strToIntDef(value, -1));
+            else if (word == "numbers")
+                form->chkLineNumbers->setChecked(value == "on");
+            else if (word == "increment")
+                form->spinIncrement->setValue(common::strToIntDef(value, -1));
+        }
+        const std::string written = local.file(entry.path().filename().string() + ".NC");
+        form->WriteMasterProgram(written);
+        const std::string expected = readBytes((entry.path() / "expected.NC").string());
+        const std::string actual = readBytes(written);
+        EXPECT_EQ(expected, actual) << firstDifference(expected, actual);
+        EXPECT_FALSE(form->FWriting);
+        EXPECT_TRUE(form->FEventsEnabled);
+    }
+    EXPECT_GE(cases, 7);
+}
+
+TEST_F(WriteTest, WriteChecksEveryLineThenStoresWritesAndReports) {
+    open();
+    form->SelectNode(node(16)); // deep in the tree: the walk starts at the top all the same
+    cell.ui.fileAnswers.push_back("/elsewhere/Pal00007"); // the folder is dropped, ".NC" added
+    form->btnWriteClick();
+
+    ASSERT_TRUE(fs::exists(program()));
+    EXPECT_EQ(row(0, "Path"), program());
+    EXPECT_EQ(form->SelectedNode(), node(0));
+    EXPECT_EQ(form->FProgress, 0);
+    EXPECT_TRUE(form->btnEdit->isEnabled());
+    EXPECT_TRUE(form->StatusBar->isSizeGripEnabled());
+    // Every line was walked and finished; every line that is not skipped or joined is written.
+    auto q = DM().NewLocalQuery();
+    q->setSql("select count(*) from Jobs where Pallet_Number = 7 and Node_Level > 0 and "
+              "Image <> 2");
+    q->open();
+    EXPECT_EQ(q->fields(0).asInteger(), 0);
+    const auto lines = splitLines(readBytes(program()));
+    ASSERT_GE(lines.size(), 6u);
+    EXPECT_EQ(lines[1], "O0001 (CMS MAIN PROGRAM)\r");
+    EXPECT_EQ(lines[3], "N1 (HEADER)\r");
+    EXPECT_EQ(lines[lines.size() - 3], "M219 P1\r");
+    const auto& request = cell.ui.fileRequests.back();
+    EXPECT_EQ(request.fileName, "Pal00007");
+    EXPECT_EQ(request.initialDir, local.str());
+    EXPECT_EQ(request.filter, "Fanuc Program Files (*.NC)|*.NC|All Files (*.*)|*.*");
+
+    ASSERT_EQ(received.size(), 1u);
+    EXPECT_EQ(received[0].CommandFile, program());
+    EXPECT_EQ(received[0].MachineText, "FANUC Robocut");
+    EXPECT_EQ(received[0].HostText1, "cell A");
+    EXPECT_EQ(received[0].PalletNumber, "7");
+    EXPECT_EQ(received[0].CommandText, "Basket=");
+    EXPECT_EQ(received[0].JobNumber, 1);
+}
+
+TEST_F(WriteTest, BadValueCancelAndFileErrorsLeaveNoProgram) {
+    open();
+    // A bad value stops the walk on its line; no dialog, no file, no report.
+    auto q = DM().NewLocalQuery();
+    q->setSql("update Jobs set Value_1 = 'abc' where Line_Number = 9");
+    q->execSQL();
+    form->btnWriteClick();
+    EXPECT_TRUE(form->FStopFlag);
+    EXPECT_EQ(tree::AbsoluteIndex(form->SelectedNode()), 9);
+    EXPECT_FALSE(form->StatusBar->isSizeGripEnabled());
+    EXPECT_TRUE(cell.ui.fileRequests.empty());
+    q->setSql("update Jobs set Value_1 = '10' where Line_Number = 9");
+    q->execSQL();
+
+    // A cancelled save dialog: the lines are marked, nothing is written.
+    form->SelectNode(node(0));
+    form->btnWriteClick();
+    EXPECT_FALSE(form->FStopFlag);
+    EXPECT_EQ(form->FProgress, 100);
+    EXPECT_FALSE(fs::exists(program()));
+    EXPECT_EQ(row(0, "Path"), "");
+
+    // A directory in the way of the file: the error names it, an older program stays, the
+    // flags come back and nothing is reported.
+    fs::create_directory(program());
+    cell.ui.fileAnswers.push_back("Pal00007.NC");
+    try {
+        form->btnWriteClick();
+        ADD_FAILURE() << "no error";
+    } catch (const JobError& e) {
+        EXPECT_NE(std::string(e.what()).find(program()), std::string::npos) << e.what();
+    }
+    EXPECT_TRUE(fs::is_directory(program()));
+    EXPECT_FALSE(fs::exists(program() + ".partial"));
+    EXPECT_FALSE(form->FWriting);
+    EXPECT_TRUE(form->FEventsEnabled);
+    EXPECT_TRUE(received.empty());
+}
+
+TEST_F(WriteTest, PreviousFilesAreDeletedKeptOrAskedAbout) {
+    open();
+    const fs::path pallet = fs::path(cell.dir()) / "Pallet7";
+    const auto fill = [&] {
+        fs::create_directories(pallet / "sub");
+        for (const char* name : {"A.NC", "B.NC"})
+            testsupport::writeFile((pallet / name).string(), "x");
+    };
+    const auto left = [&] {
+        std::vector<std::string> names;
+        for (const auto& e : fs::directory_iterator(pallet))
+            names.push_back(e.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    };
+    int shown = 0;
+    int option = 0;
+    cell.ui.onModal = [&](QWidget* w) {
+        auto* question = qobject_cast<TdlgDeleteFiles*>(w);
+        ASSERT_NE(question, nullptr);
+        EXPECT_EQ(question->ItemIndex(), TdlgDeleteFiles::DeleteAll);
+        question->SetItemIndex(option);
+        ++shown;
+    };
+
+    fill();
+    cell.ui.modalAnswers = {common::ModalResult::Cancel};
+    EXPECT_FALSE(form->ClearPalletFiles());
+    EXPECT_EQ(left(), (std::vector<std::string>{"A.NC", "B.NC", "sub"}));
+
+    option = TdlgDeleteFiles::RetainAll;
+    cell.ui.modalAnswers = {common::ModalResult::Ok};
+    EXPECT_TRUE(form->ClearPalletFiles());
+    EXPECT_EQ(left().size(), 3u);
+
+    option = TdlgDeleteFiles::PromptEach;
+    cell.ui.modalAnswers = {common::ModalResult::Ok};
+    cell.ui.messageAnswers = {common::ModalResult::No, common::ModalResult::Yes};
+    EXPECT_TRUE(form->ClearPalletFiles());
+    EXPECT_EQ(left(), (std::vector<std::string>{"A.NC", "sub"}));
+    EXPECT_EQ(cell.ui.messages(), (std::vector<std::string>{"JOB_S0015A.NC?", "JOB_S0015B.NC?"}));
+
+    option = TdlgDeleteFiles::DeleteAll;
+    cell.ui.modalAnswers = {common::ModalResult::Ok};
+    EXPECT_TRUE(form->ClearPalletFiles());
+    EXPECT_EQ(left(), (std::vector<std::string>{"sub"}));
+    EXPECT_EQ(shown, 4); // once per call, never for a folder alone
+    EXPECT_TRUE(form->ClearPalletFiles());
+    EXPECT_EQ(shown, 4);
+}
+
+} // namespace
