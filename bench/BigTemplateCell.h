@@ -30,6 +30,8 @@ public:
         info_.JobNumber = 1;
         info_.PalletNumber = "7";
         info_.MessageGate = &gate_;
+        info_.LocalDirectory = dir_.string();
+        platform_.exeDir = dir_.string() + "/";
         // The build alone: the job's keys, bound boxes and filters, without opening the job.
         form_ = std::make_unique<TdlgJob>();
         form_->SetWizardInfo(info_);
@@ -45,6 +47,8 @@ public:
         std::filesystem::remove_all(dir_, ec);
     }
     TdlgJob& form() { return *form_; }
+    common::ScriptedUi& ui() { return ui_; }
+    const std::filesystem::path& dir() const { return dir_; }
     // The record of the job, pallet 7, job 1 of the big template.
     const TJobWizardInfo& info() const { return info_; }
     // A fresh wizard form in place of the last one, as each call of the wizard makes one.

@@ -5,6 +5,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstdio>
+
 namespace {
 
 constexpr int Lines = 10000;
@@ -70,5 +72,43 @@ BENCHMARK(BM_SelectEachLine)
     ->Complexity(benchmark::oN)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);
+
+// Write on a job of 10,000 lines: the check walk over every line, then the file.
+void BM_WriteJob10000Lines(benchmark::State& state) {
+    benchApplication();
+    BigTemplateCell cell(Lines);
+    TdlgJob& form = cell.newForm();
+    form.OpenJob(cell.info());
+    for (auto _ : state) {
+        cell.ui().fileAnswers.push_back("Pal00007.NC");
+        form.btnWriteClick();
+        if (form.FStopFlag || !std::filesystem::exists(cell.dir() / "Pal00007.NC"))
+            state.SkipWithError("the program was not written");
+    }
+    state.SetItemsProcessed(state.iterations() * Lines);
+}
+BENCHMARK(BM_WriteJob10000Lines)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+// The floor to compare with: the same rows read in order and their lines written to a file.
+void BM_ScanAndPlainWrite10000Lines(benchmark::State& state) {
+    benchApplication();
+    BigTemplateCell cell(Lines);
+    cell.newForm().OpenJob(cell.info());
+    const std::string path = (cell.dir() / "plain.NC").string();
+    for (auto _ : state) {
+        auto query = DM().NewLocalQuery();
+        query->setSql("select Script_Line from Jobs where Pallet_Number = 7 and Job_Number = 1 "
+                      "order by Line_Number");
+        query->open();
+        std::FILE* file = std::fopen(path.c_str(), "wb");
+        for (; !query->eof(); query->next()) {
+            const std::string line = query->fields(0).asString() + "\r\n";
+            std::fwrite(line.data(), 1, line.size(), file);
+        }
+        std::fclose(file);
+    }
+    state.SetItemsProcessed(state.iterations() * Lines);
+}
+BENCHMARK(BM_ScanAndPlainWrite10000Lines)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -192,7 +192,13 @@ std::string TDBEdit::controlText() const {
     return readUtf8_;
 }
 
-void TDBEdit::setControlText(const std::string& text) { setText(QString::fromStdString(text)); }
+void TDBEdit::setControlText(const std::string& text) {
+    // A row that shows the text the box already holds leaves the box alone: no new layout, and
+    // the caret of a person typing stays where it is.
+    if (text == controlText())
+        return;
+    setText(QString::fromStdString(text));
+}
 
 // ---- TDBMemo ----
 

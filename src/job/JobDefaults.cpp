@@ -29,6 +29,8 @@ bool findLocalDefault(const std::string& filter) {
 }
 
 void setBold(QWidget* widget, bool bold) {
+    if (widget->font().bold() == bold)
+        return;
     QFont font = widget->font();
     font.setBold(bold);
     widget->setFont(font);
@@ -297,9 +299,8 @@ void TdlgJob::connectDefaultMenus() {
         connect(box, &QWidget::customContextMenuRequested, this,
                 [this, box](const QPoint& at) { mnuDefaultValue->popup(box->mapToGlobal(at)); });
     }
-    connect(chkOption, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
-        mnuDefaultValue->popup(chkOption->mapToGlobal(at));
-    });
+    connect(chkOption, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& at) { mnuDefaultValue->popup(chkOption->mapToGlobal(at)); });
     connect(lstSyntax, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
         mnuDefaultSyntax->popup(lstSyntax->viewport()->mapToGlobal(at));
     });

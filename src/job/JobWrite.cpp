@@ -13,6 +13,7 @@
 #include "job/HostReport.h"
 #include "job/ProgramFile.h"
 #include "store/DataMod.h"
+#include "store/Database.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -103,14 +104,22 @@ bool TdlgJob::CheckAllLines() {
         FProgress = 0;
         const int total = tree::NodeCount(tvwTemplate);
         StatusBar->setSizeGripEnabled(false);
-        // A handler that a control's signal runs on the way raises its error here.
-        ByCode([&] {
-            while (btnNext->isEnabled() && !FStopFlag) {
-                btnNextClick(nullptr);
-                FProgress = total > 0 ? 100.0 * tree::AbsoluteIndex(SelectedNode()) / total : 0;
-                RepaintStatusBar();
-            }
-        });
+        // The walk's posts go to the store as one batch, which spares a lock round per row. It
+        // is kept also when the walk ends in an error, so the rows stay as the tree shows them.
+        store::Transaction batch(DM().LocalDatabase);
+        try {
+            ByCode([&] {
+                while (btnNext->isEnabled() && !FStopFlag) {
+                    btnNextClick(nullptr);
+                    FProgress = total > 0 ? 100.0 * tree::AbsoluteIndex(SelectedNode()) / total : 0;
+                    RepaintStatusBar();
+                }
+            });
+        } catch (...) {
+            batch.commit();
+            throw;
+        }
+        batch.commit();
         if (FStopFlag) {
             if (QTreeWidgetItem* node = SelectedNode())
                 tvwTemplate->scrollToItem(node, QAbstractItemView::PositionAtTop);

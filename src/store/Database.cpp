@@ -123,19 +123,40 @@ void Database::executeScript(const std::string& sql) {
 
 Statement& Database::cached(const std::string& sql) { return *shared(sql); }
 
-std::shared_ptr<Statement> Database::shared(const std::string& sql) {
-    if (auto it = cache_.find(sql); it != cache_.end()) {
-        lru_.splice(lru_.begin(), lru_, it->second);
-        return it->second->second;
-    }
-    auto stmt = std::make_shared<Statement>(handle(), sql);
+std::shared_ptr<Statement> Database::cacheLookup(const std::string& key) {
+    const auto it = cache_.find(key);
+    if (it == cache_.end())
+        return nullptr;
+    lru_.splice(lru_.begin(), lru_, it->second);
+    return it->second->second;
+}
+
+void Database::cacheInsert(const std::string& key, std::shared_ptr<Statement> stmt) {
     if (lru_.size() >= CacheBound) {
         // The least recently used goes; a holder of its shared pointer keeps it alive.
         cache_.erase(lru_.back().first);
         lru_.pop_back();
     }
-    lru_.emplace_front(sql, stmt);
+    lru_.emplace_front(key, std::move(stmt));
     cache_.emplace(lru_.front().first, lru_.begin());
+}
+
+std::shared_ptr<Statement> Database::shared(const std::string& sql) {
+    if (auto stmt = cacheLookup(sql))
+        return stmt;
+    auto stmt = std::make_shared<Statement>(handle(), sql);
+    cacheInsert(sql, stmt);
+    return stmt;
+}
+
+std::shared_ptr<Statement> Database::sharedTranslated(const std::string& text,
+                                                      std::string (*translate)(std::string_view)) {
+    // A key of its own, so that a text that is also a native statement never meets it.
+    const std::string key = std::string("\x01") + text;
+    if (auto stmt = cacheLookup(key))
+        return stmt;
+    auto stmt = std::make_shared<Statement>(handle(), translate(text), text);
+    cacheInsert(key, stmt);
     return stmt;
 }
 

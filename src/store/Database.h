@@ -60,6 +60,10 @@ public:
     // (or the database closes); hold `shared` to keep a statement across other work.
     Statement& cached(const std::string& sql);
     std::shared_ptr<Statement> shared(const std::string& sql);
+    // The same cache for the system's own statement texts: prepared once from `translate(text)`,
+    // errors naming `text`.
+    std::shared_ptr<Statement> sharedTranslated(const std::string& text,
+                                                std::string (*translate)(std::string_view));
     static constexpr std::size_t CacheBound = 256;
     sqlite3* handle();
     // Rows changed by the last statement.
@@ -77,6 +81,8 @@ private:
     sqlite3* db_ = nullptr;
     // Most recently used first; the map finds a text's place in the list.
     using CacheList = std::list<std::pair<std::string, std::shared_ptr<Statement>>>;
+    std::shared_ptr<Statement> cacheLookup(const std::string& key);
+    void cacheInsert(const std::string& key, std::shared_ptr<Statement> stmt);
     CacheList lru_;
     std::unordered_map<std::string_view, CacheList::iterator> cache_;
     std::uint64_t generation_ = 0;

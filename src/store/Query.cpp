@@ -40,7 +40,14 @@ std::string Query::describe() const { return "query " + text(); }
 void Query::open() {
     close();
     const std::string original = text();
-    Statement stmt(database_->handle(), translateStatement(original), original);
+    const auto prepared = database_->sharedTranslated(original, &translateStatement);
+    Statement& stmt = *prepared;
+    // The statement stays prepared for the next query of the same text; it is reset however
+    // the reading ends.
+    struct ResetAfter {
+        Statement& s;
+        ~ResetAfter() { s.reset(); }
+    } resetAfter{stmt};
     names_.clear();
     columnsReset();
     for (int i = 0; i < stmt.columnCount(); ++i)
@@ -64,9 +71,9 @@ void Query::open() {
 void Query::execSQL() {
     close();
     const std::string original = text();
-    Statement stmt(database_->handle(), translateStatement(original), original);
+    const auto prepared = database_->sharedTranslated(original, &translateStatement);
     database_->bumpGeneration();
-    stmt.run();
+    prepared->run();
     rowsAffected_ = database_->changes();
 }
 
