@@ -22,9 +22,7 @@ int currentTemplateId() { return DM().tableTemplateName.fields(0).asInteger(); }
 // Filters TemplateDefaults (off, text, on); true with exactly one row, which is then current.
 bool findLocalDefault(const std::string& filter) {
     auto& defaults = DM().tableTemplateDefaults;
-    defaults.setFiltered(false);
-    defaults.setFilter(filter);
-    defaults.setFiltered(true);
+    defaults.refilter(filter);
     return defaults.recordCount() == 1;
 }
 
@@ -124,9 +122,12 @@ public:
         if (defaults.filter() == filter_ && defaults.filtered() == filtered_)
             return;
         try {
-            defaults.setFiltered(false);
-            defaults.setFilter(filter_);
-            defaults.setFiltered(filtered_);
+            if (filtered_) {
+                defaults.refilter(filter_);
+            } else {
+                defaults.setFiltered(false);
+                defaults.setFilter(filter_);
+            }
         } catch (...) {
             // A filter that was valid before cannot fail now; a destructor throws nothing.
         }

@@ -116,6 +116,7 @@ public:
     // Data sources attached to this dataset, told of every row and state change.
     void attach(DataSource* source);
     void detach(DataSource* source);
+    bool hasDataSources() const { return !sources_.empty(); }
 
 protected:
     Dataset() = default;

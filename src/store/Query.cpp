@@ -53,7 +53,8 @@ void Query::open() {
     for (int i = 0; i < stmt.columnCount(); ++i)
         names_.push_back(stmt.columnName(i));
     rows_.clear();
-    database_->bumpGeneration();
+    if (!stmt.readOnly())
+        database_->bumpGeneration();
     while (stmt.step()) {
         std::vector<Value> row;
         row.reserve(names_.size());

@@ -112,6 +112,8 @@ void Statement::reset() {
     borrowed_ = false;
 }
 
+bool Statement::readOnly() const { return sqlite3_stmt_readonly(stmt_) != 0; }
+
 int Statement::columnCount() const { return sqlite3_column_count(stmt_); }
 
 std::string Statement::columnName(int index) const {

@@ -32,6 +32,8 @@ public:
     Value column(int index) const;           // from 0
     std::int64_t columnInteger(int index) const;
     const std::string& sql() const { return sql_; }
+    // True when the statement writes nothing.
+    bool readOnly() const;
 
 private:
     void bindValue(int index, const Value& value, bool copy);

@@ -59,6 +59,10 @@ struct Table::Plan {
     // Texts of the step statements, prepared at their first use: a filter change needs only
     // `first`, and routines change filters far more often than they step.
     std::string lastSql, nextSql, priorSql, byRowidSql, nextPinnedSql, priorPinnedSql;
+    // The next rows of a scan, read ahead in one step.
+    Held nextMany;
+    Held nextManyPinned;
+    std::string nextManySql, nextManyPinnedSql;
     std::vector<Held> findKey;           // by number of key values
     std::vector<Held> findNearest;       // by number of key values
     std::vector<Held> findNearestPinned; // by number of key values past the pinned ones
@@ -114,6 +118,7 @@ void Table::open() {
     }
     if (pkCount == 1)
         rowidAlias_ = pkColumn;
+    forgetPlans();
     indexName_.clear();
     keyNames_.clear();
     keyColumns_.clear();
@@ -125,7 +130,12 @@ void Table::open() {
 
 void Table::close() {
     Dataset::close();
+    forgetPlans();
+}
+
+void Table::forgetPlans() {
     plan_.reset();
+    plans_.clear();
 }
 
 std::vector<std::string> Table::indexDefs() {
@@ -175,6 +185,7 @@ void Table::setIndexName(const std::string& name) {
         }
         indexName_ = name;
     }
+    forgetPlans();
     if (active()) {
         buildPlan();
         first();
@@ -191,7 +202,19 @@ std::string Table::whereFilter(const std::string& extra) const {
 }
 
 void Table::buildPlan() {
-    plan_ = std::make_unique<Plan>();
+    const bool filtering = filtered_ && !common::trim(filter_).empty();
+    const std::string key = filtering ? "f" + filter_ : std::string();
+    for (auto it = plans_.begin(); it != plans_.end(); ++it) {
+        if (it->first == key) {
+            plans_.splice(plans_.begin(), plans_, it);
+            plan_ = it->second;
+            return;
+        }
+    }
+    plan_ = std::make_shared<Plan>();
+    if (plans_.size() >= PlanBound)
+        plans_.pop_back();
+    plans_.emplace_front(key, plan_);
     auto& p = *plan_;
     p.selectFrom = "select _rowid_, * from " + quoteName(tableName_);
     if (filtered_ && !common::trim(filter_).empty())
@@ -219,6 +242,8 @@ void Table::buildPlan() {
         p.selectFrom + whereFilter(p.tuple + " > " + marks) + " order by " + p.order + " limit 1";
     p.priorSql = p.selectFrom + whereFilter(p.tuple + " < " + marks) + " order by " + p.orderDesc +
                  " limit 1";
+    p.nextManySql = p.selectFrom + whereFilter(p.tuple + " > " + marks) + " order by " + p.order +
+                    " limit " + std::to_string(ReadAhead);
     p.byRowidSql = p.selectFrom + " where _rowid_ = ?";
     if (!p.where.empty() && !keyNames_.empty()) {
         if (auto terms = equalityTerms(filter_)) {
@@ -245,6 +270,8 @@ void Table::buildPlan() {
                           " order by " + p.order + " limit 1";
         p.priorPinnedSql = p.selectFrom + whereFilter(p.pinnedTuple + " < " + p.pinnedMarks) +
                            " order by " + p.orderDesc + " limit 1";
+        p.nextManyPinnedSql = p.selectFrom + whereFilter(p.pinnedTuple + " > " + p.pinnedMarks) +
+                              " order by " + p.order + " limit " + std::to_string(ReadAhead);
     } else {
         p.pinned.clear();
     }
@@ -381,13 +408,79 @@ void Table::next() {
         eof_ = true;
         return;
     }
-    if (loadRow(stepStatement(true, row_, rowid_))) {
+    // A scan: from the second next in a row on, the rows after the current one are read ahead
+    // in one step and served from memory while nothing can have changed them.
+    const bool scanning = scanRun_ > 0 && lastServed_ == rowid_ && lastPlan_ == plan_.get() &&
+                          lastGeneration_ == database_->generation();
+    scanRun_ = scanning ? scanRun_ + 1 : 1;
+    if (scanning && !aheadValid())
+        readAhead();
+    if (scanning && aheadAt_ < ahead_.size()) {
+        rowid_ = ahead_[aheadAt_].first;
+        setRow(ahead_[aheadAt_].second);
+        ++aheadAt_;
         bof_ = false;
         eof_ = false;
+        noteScanPosition();
         notifyDataChanged();
-    } else {
-        eof_ = true;
+        return;
     }
+    if (!scanning || !aheadEnded_) {
+        if (loadRow(stepStatement(true, row_, rowid_))) {
+            bof_ = false;
+            eof_ = false;
+            noteScanPosition();
+            notifyDataChanged();
+            return;
+        }
+    }
+    eof_ = true;
+    noteScanPosition();
+}
+
+bool Table::aheadValid() const {
+    if (aheadAt_ >= ahead_.size() || aheadGeneration_ != database_->generation() ||
+        aheadPlan_ != plan_.get() || aheadAt_ == 0 || ahead_[aheadAt_ - 1].first != rowid_)
+        return false;
+    // Inside a transaction nobody else's change can show before it ends; outside one, the rows
+    // are kept only for the moment of one scan.
+    return !sqlite3_get_autocommit(database_->handle()) ||
+           std::chrono::steady_clock::now() - aheadRead_ < std::chrono::milliseconds(20);
+}
+
+void Table::readAhead() {
+    ahead_.clear();
+    aheadAt_ = 0;
+    aheadEnded_ = false;
+    const bool pinned = withinPinned(row_);
+    auto& p = *plan_;
+    Statement& stmt = pinned ? planned(p.nextManyPinned, p.nextManyPinnedSql)
+                             : planned(p.nextMany, p.nextManySql);
+    bindPosition(stmt, pinned ? static_cast<int>(p.pinned.size()) : 0, row_, rowid_);
+    struct ResetAfter {
+        Statement& s;
+        ~ResetAfter() { s.reset(); }
+    } resetAfter{stmt};
+    while (stmt.step()) {
+        std::vector<Value> row;
+        row.reserve(names_.size());
+        for (std::size_t i = 0; i < names_.size(); ++i)
+            row.push_back(stmt.column(static_cast<int>(i) + 1));
+        ahead_.emplace_back(stmt.columnInteger(0), std::move(row));
+    }
+    aheadEnded_ = ahead_.size() < static_cast<std::size_t>(ReadAhead);
+    // The current row heads the buffer's positions: the first row read follows it.
+    ahead_.insert(ahead_.begin(), {rowid_, row_});
+    aheadAt_ = 1;
+    aheadGeneration_ = database_->generation();
+    aheadPlan_ = plan_.get();
+    aheadRead_ = std::chrono::steady_clock::now();
+}
+
+void Table::noteScanPosition() {
+    lastServed_ = rowid_;
+    lastPlan_ = plan_.get();
+    lastGeneration_ = database_->generation();
 }
 
 void Table::prior() {
@@ -654,6 +747,20 @@ void Table::setFiltered(bool on) {
         buildPlan();
         first();
     }
+}
+
+void Table::refilter(const std::string& text) {
+    if (hasDataSources() || !active()) {
+        setFiltered(false);
+        setFilter(text);
+        setFiltered(true);
+        return;
+    }
+    settlePendingEdit();
+    filter_ = text;
+    filtered_ = true;
+    buildPlan();
+    first();
 }
 
 Bookmark Table::getBookmark() const {

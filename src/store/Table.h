@@ -4,7 +4,9 @@
 // statement are seen at the next move.
 #include "store/Dataset.h"
 
+#include <chrono>
 #include <functional>
+#include <list>
 #include <memory>
 
 namespace store {
@@ -51,6 +53,10 @@ public:
 
     void setFilter(const std::string& text) override;
     void setFiltered(bool on) override;
+    // The filter switched off, given `text`, switched on: the cursor ends on the first row of the
+    // new set, as after the three changes. Without attached data sources, nobody sees the two
+    // steps between, and only the last is made.
+    void refilter(const std::string& text);
 
     Bookmark getBookmark() const override;
     void gotoBookmark(const Bookmark& bookmark) override;
@@ -70,7 +76,9 @@ private:
     std::shared_ptr<Statement> held(const std::string& sql);
     // The statement of a slot of the plan, prepared from `sql` at its first use.
     Statement& planned(std::shared_ptr<Statement>& slot, const std::string& sql);
+    // The plan of the present order and filter: a kept one when the table had it lately.
     void buildPlan();
+    void forgetPlans();
     std::string whereFilter(const std::string& extra) const;
     // Loads the row found by `stmt` (already stepped); false when there was none.
     bool loadRow(Statement& stmt);
@@ -93,7 +101,29 @@ private:
     int rowidAlias_ = -1; // column that is the integer primary key, if any
     std::vector<FieldType> types_;
     std::int64_t rowid_ = 0;
-    std::unique_ptr<Plan> plan_;
+    std::shared_ptr<Plan> plan_;
+    // Plans of the orders and filters used lately, most recent first: routines switch between a
+    // few filters many times over.
+    std::list<std::pair<std::string, std::shared_ptr<Plan>>> plans_;
+    static constexpr std::size_t PlanBound = 16;
+    // Rows read ahead by a scan of next moves (the row the scan stood on first), and what they
+    // are valid for: the same plan, no write on the connection since, and either an open
+    // transaction or a moment's age.
+    static constexpr int ReadAhead = 32;
+    bool aheadValid() const;
+    void readAhead();
+    void noteScanPosition();
+    std::vector<std::pair<std::int64_t, std::vector<Value>>> ahead_;
+    std::size_t aheadAt_ = 0;
+    bool aheadEnded_ = false; // the read reached the end of the set
+    std::uint64_t aheadGeneration_ = 0;
+    const void* aheadPlan_ = nullptr;
+    std::chrono::steady_clock::time_point aheadRead_;
+    // Where the last next left the cursor: a next from there continues the scan.
+    int scanRun_ = 0;
+    std::int64_t lastServed_ = 0;
+    const void* lastPlan_ = nullptr;
+    std::uint64_t lastGeneration_ = 0;
 };
 
 } // namespace store

@@ -334,6 +334,48 @@ TEST_F(TableTest, InsertByPositionLeavesNullsAndStandsOnNewRow) {
     EXPECT_EQ(t.recordCount(), 4);
 }
 
+TEST_F(TableTest, LongScansSeeWritesMadeDuringThem) {
+    Table t(db, "Jobs");
+    t.open();
+    t.setIndexName("Primary");
+    addLines(t, 1, 1, 80);
+    addLines(t, 1, 2, 3);
+    t.refilter("Pallet_Number = 1 and Job_Number = 1");
+    std::vector<int> expected(80);
+    for (int i = 0; i < 80; ++i)
+        expected[static_cast<std::size_t>(i)] = i;
+    EXPECT_EQ(walkLines(t), expected);
+
+    // Rows read ahead must not hide a write on the connection, a post of the table or another
+    // filter met halfway.
+    Query q(db);
+    t.first();
+    for (int i = 0; i < 40; ++i)
+        t.next();
+    q.setSql("update Jobs set Code = 'U' where Line_Number = 42");
+    q.execSQL();
+    q.setSql("delete from Jobs where Line_Number = 41 and Job_Number = 1");
+    q.execSQL();
+    t.next();
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 42);
+    EXPECT_EQ(t.fieldByName("Code").asString(), "U");
+    t.next();
+    t.edit();
+    t.fieldByName("Code").setAsString("P");
+    t.post();
+    for (int i = 0; i < 3; ++i)
+        t.next();
+    t.refilter("Pallet_Number = 1 and Job_Number = 2");
+    t.next();
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 1);
+    t.refilter("Pallet_Number = 1 and Job_Number = 1");
+    std::string codes;
+    for (t.findKey({1, 1, 43}); !t.eof(); t.next())
+        codes += t.fieldByName("Code").asString() + " ";
+    EXPECT_EQ(codes.substr(0, 12), "P C44 C45 C4");
+    EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 79);
+}
+
 TEST_F(TableTest, StatementChangesSeenAtNextMoveAndBookmarks) {
     Table t(db, "Jobs");
     t.open();
