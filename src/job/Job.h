@@ -139,6 +139,10 @@ public:
     void RefreshProgramSample();
 
     // ---- Machines, baskets and the queue (JobProgram.cpp) ----
+    // Lists the programs of the machine chosen in cmbMachines in lstPrograms, read over the
+    // machine's FOCAS link. When no connection comes about, "Unable to connect to HOST.PORT"
+    // follows the link's own boxes.
+    void cmbMachinesChange();
     void cmbAuxPalletChange();
     // The master program and file list for the host: from JobQueue when unattended, otherwise
     // what the form knows of the job. A missing queue row leaves the string as it was.
@@ -487,6 +491,10 @@ private:
     // Runs code that changes controls whose signals run handlers; an error in such a handler
     // reaches this caller.
     void ByCode(const std::function<void()>& Code);
+    // Runs one operator action (or one selection, or the write's walk) as one store transaction,
+    // so that its many reads and posts share one lock; nested calls join the outer one. What
+    // was posted stays also when the work ends in an error.
+    void InStoreBatch(const std::function<void()>& Work);
 
     // Puts tableJobs in edit mode, sets Script_Line, posts.
     void StoreScriptLine(const std::string& Line);
@@ -507,5 +515,6 @@ private:
     bool FActivateArmed = true; // FormActivate runs at the next activation
     bool FPanelsFill = true;    // the three value panels fill tabValues
     int FCodeDepth = 0;         // > 0 while ByCode runs
+    int FBatchDepth = 0;        // > 0 while InStoreBatch runs
     std::exception_ptr FPendingError;
 };

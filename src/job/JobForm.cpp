@@ -6,6 +6,7 @@
 #include "common/Services.h"
 #include "machine/MachineInfo.h"
 #include "store/DataMod.h"
+#include "store/Database.h"
 
 #include <QComboBox>
 #include <QEvent>
@@ -36,7 +37,7 @@ std::int16_t toInt16(std::int64_t value, const char* what) {
 
 void TdlgJob::Event(const std::function<void()>& Handler) {
     try {
-        Handler();
+        InStoreBatch(Handler);
     } catch (...) {
         if (FCodeDepth > 0) {
             if (!FPendingError)
@@ -66,6 +67,29 @@ void TdlgJob::ByCode(const std::function<void()>& Code) {
         FPendingError = nullptr;
         std::rethrow_exception(error);
     }
+}
+
+void TdlgJob::InStoreBatch(const std::function<void()>& Work) {
+    if (FBatchDepth > 0 || !DMExists() || !DM().LocalDatabase.connected()) {
+        Work();
+        return;
+    }
+    ++FBatchDepth;
+    store::Transaction batch(DM().LocalDatabase);
+    try {
+        Work();
+    } catch (...) {
+        --FBatchDepth;
+        // What the work posted stays, as each post would have stayed on its own; the work's
+        // own error is the one reported.
+        try {
+            batch.commit();
+        } catch (...) {
+        }
+        throw;
+    }
+    --FBatchDepth;
+    batch.commit();
 }
 
 // ---- Job keys and bindings ----
@@ -233,7 +257,7 @@ void TdlgJob::SelectNode(QTreeWidgetItem* Node) {
         const QSignalBlocker blocker(tvwTemplate);
         tree::Select(tvwTemplate, Node);
     }
-    tvwTemplateChange(tvwTemplate, Node);
+    InStoreBatch([&] { tvwTemplateChange(tvwTemplate, Node); });
 }
 
 void TdlgJob::SetActivePage(QTabWidget* Pages, QWidget* Page) {

@@ -13,7 +13,6 @@
 #include "job/HostReport.h"
 #include "job/ProgramFile.h"
 #include "store/DataMod.h"
-#include "store/Database.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -104,10 +103,7 @@ bool TdlgJob::CheckAllLines() {
         FProgress = 0;
         const int total = tree::NodeCount(tvwTemplate);
         StatusBar->setSizeGripEnabled(false);
-        // The walk's posts go to the store as one batch, which spares a lock round per row. It
-        // is kept also when the walk ends in an error, so the rows stay as the tree shows them.
-        store::Transaction batch(DM().LocalDatabase);
-        try {
+        InStoreBatch([&] {
             ByCode([&] {
                 while (btnNext->isEnabled() && !FStopFlag) {
                     btnNextClick(nullptr);
@@ -115,11 +111,7 @@ bool TdlgJob::CheckAllLines() {
                     RepaintStatusBar();
                 }
             });
-        } catch (...) {
-            batch.commit();
-            throw;
-        }
-        batch.commit();
+        });
         if (FStopFlag) {
             if (QTreeWidgetItem* node = SelectedNode())
                 tvwTemplate->scrollToItem(node, QAbstractItemView::PositionAtTop);

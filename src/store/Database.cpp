@@ -1,5 +1,7 @@
 #include "store/Database.h"
 
+#include "common/Convert.h"
+
 #include "store/StoreError.h"
 
 #include <sqlite3.h>
@@ -158,6 +160,10 @@ std::shared_ptr<Statement> Database::sharedTranslated(const std::string& text,
     auto stmt = std::make_shared<Statement>(handle(), translate(text), text);
     cacheInsert(key, stmt);
     return stmt;
+}
+
+std::uint64_t& Database::tableGeneration(const std::string& tableName) {
+    return tableGenerations_[common::upperCase(tableName)];
 }
 
 int Database::changes() const { return db_ ? sqlite3_changes(db_) : 0; }

@@ -71,6 +71,9 @@ public:
     // Increments whenever any statement on this connection may have changed data.
     std::uint64_t generation() const { return generation_; }
     void bumpGeneration() { ++generation_; }
+    // Increments whenever a table object writes the table (any case of its name); the counter
+    // stays at its address while the database lives.
+    std::uint64_t& tableGeneration(const std::string& tableName);
 
 private:
     std::string databaseName_;
@@ -86,6 +89,7 @@ private:
     CacheList lru_;
     std::unordered_map<std::string_view, CacheList::iterator> cache_;
     std::uint64_t generation_ = 0;
+    std::unordered_map<std::string, std::uint64_t> tableGenerations_;
 };
 
 // A transaction on one database that rolls back unless committed; nests through savepoints.

@@ -77,8 +77,13 @@ struct Table::Plan {
     Held update;
 };
 
+namespace {
+// The write count of a table not yet opened, which writes nothing.
+std::uint64_t unopenedWrites = 0;
+} // namespace
+
 Table::Table(Database& database, std::string tableName)
-    : database_(&database), tableName_(std::move(tableName)) {}
+    : database_(&database), tableName_(std::move(tableName)), written_(&unopenedWrites) {}
 
 Table::~Table() = default;
 
@@ -118,6 +123,7 @@ void Table::open() {
     }
     if (pkCount == 1)
         rowidAlias_ = pkColumn;
+    written_ = &database_->tableGeneration(tableName_);
     forgetPlans();
     indexName_.clear();
     keyNames_.clear();
@@ -411,7 +417,7 @@ void Table::next() {
     // A scan: from the second next in a row on, the rows after the current one are read ahead
     // in one step and served from memory while nothing can have changed them.
     const bool scanning = scanRun_ > 0 && lastServed_ == rowid_ && lastPlan_ == plan_.get() &&
-                          lastGeneration_ == database_->generation();
+                          lastGeneration_ == generation();
     scanRun_ = scanning ? scanRun_ + 1 : 1;
     if (scanning && !aheadValid())
         readAhead();
@@ -438,8 +444,13 @@ void Table::next() {
     noteScanPosition();
 }
 
+Table::Stamp Table::generation() const {
+    // Writes elsewhere on the connection, and this table's own writes.
+    return {database_->generation(), *written_};
+}
+
 bool Table::aheadValid() const {
-    if (aheadAt_ >= ahead_.size() || aheadGeneration_ != database_->generation() ||
+    if (aheadAt_ >= ahead_.size() || aheadGeneration_ != generation() ||
         aheadPlan_ != plan_.get() || aheadAt_ == 0 || ahead_[aheadAt_ - 1].first != rowid_)
         return false;
     // Inside a transaction nobody else's change can show before it ends; outside one, the rows
@@ -472,7 +483,7 @@ void Table::readAhead() {
     // The current row heads the buffer's positions: the first row read follows it.
     ahead_.insert(ahead_.begin(), {rowid_, row_});
     aheadAt_ = 1;
-    aheadGeneration_ = database_->generation();
+    aheadGeneration_ = generation();
     aheadPlan_ = plan_.get();
     aheadRead_ = std::chrono::steady_clock::now();
 }
@@ -480,7 +491,7 @@ void Table::readAhead() {
 void Table::noteScanPosition() {
     lastServed_ = rowid_;
     lastPlan_ = plan_.get();
-    lastGeneration_ = database_->generation();
+    lastGeneration_ = generation();
 }
 
 void Table::prior() {
@@ -641,7 +652,7 @@ void Table::post() {
     for (auto& v : values)
         stmt.bindBorrowed(index++, v);
     stmt.bind(index, Value(static_cast<long long>(rowid_)));
-    database_->bumpGeneration();
+    ++*written_;
     stmt.run();
     if (database_->changes() == 0) {
         // The row is gone; the edit is dropped, never inserted anew.
@@ -680,7 +691,7 @@ void Table::deleteRecord() {
         plan_->deleteRow = held("delete from " + quoteName(tableName_) + " where _rowid_ = ?");
     auto& del = *plan_->deleteRow;
     del.bind(1, Value(static_cast<long long>(rowid_)));
-    database_->bumpGeneration();
+    ++*written_;
     del.run();
     // Go to the next row, or to the new last row when the last was deleted.
     if (loadRow(stepStatement(true, deletedRow, deletedRowid)) ||
@@ -721,7 +732,7 @@ void Table::insertRecord(const std::vector<Value>& values) {
     // The values outlive the run, which clears the bindings.
     for (std::size_t i = 0; i < values.size(); ++i)
         stmt.bindBorrowed(static_cast<int>(i) + 1, values[i]);
-    database_->bumpGeneration();
+    ++*written_;
     stmt.run();
     // The cursor stands on the new row.
     if (readByRowid(sqlite3_last_insert_rowid(database_->handle())))

@@ -102,6 +102,7 @@ private:
     std::vector<FieldType> types_;
     std::int64_t rowid_ = 0;
     std::shared_ptr<Plan> plan_;
+    std::uint64_t* written_; // the database's count of writes to this table
     // Plans of the orders and filters used lately, most recent first: routines switch between a
     // few filters many times over.
     std::list<std::pair<std::string, std::shared_ptr<Plan>>> plans_;
@@ -111,19 +112,21 @@ private:
     // transaction or a moment's age.
     static constexpr int ReadAhead = 32;
     bool aheadValid() const;
+    using Stamp = std::pair<std::uint64_t, std::uint64_t>;
+    Stamp generation() const;
     void readAhead();
     void noteScanPosition();
     std::vector<std::pair<std::int64_t, std::vector<Value>>> ahead_;
     std::size_t aheadAt_ = 0;
     bool aheadEnded_ = false; // the read reached the end of the set
-    std::uint64_t aheadGeneration_ = 0;
+    Stamp aheadGeneration_{};
     const void* aheadPlan_ = nullptr;
     std::chrono::steady_clock::time_point aheadRead_;
     // Where the last next left the cursor: a next from there continues the scan.
     int scanRun_ = 0;
     std::int64_t lastServed_ = 0;
     const void* lastPlan_ = nullptr;
-    std::uint64_t lastGeneration_ = 0;
+    Stamp lastGeneration_{};
 };
 
 } // namespace store
