@@ -168,25 +168,24 @@ std::uint64_t& Database::tableGeneration(const std::string& tableName) {
 
 int Database::changes() const { return db_ ? sqlite3_changes(db_) : 0; }
 
-Transaction::Transaction(Database& db) : db_(db) {
-    static unsigned counter = 0;
-    name_ = "quorvel_tx_" + std::to_string(++counter);
-    db_.execute("savepoint " + name_);
-}
+// Savepoints nest by name, the innermost first, so one name serves every level; the statements
+// stay prepared. Opening and releasing change no data; a rollback does.
+Transaction::Transaction(Database& db) : db_(db) { db_.cached("savepoint quorvel_tx").run(); }
 
 Transaction::~Transaction() {
     if (done_)
         return;
     try {
-        db_.execute("rollback to " + name_);
-        db_.execute("release " + name_);
+        db_.bumpGeneration();
+        db_.cached("rollback to quorvel_tx").run();
+        db_.cached("release quorvel_tx").run();
     } catch (...) {
         // A destructor never throws; the connection reports the state at its next use.
     }
 }
 
 void Transaction::commit() {
-    db_.execute("release " + name_);
+    db_.cached("release quorvel_tx").run();
     done_ = true;
 }
 

@@ -384,14 +384,35 @@ Statement& Table::stepStatement(bool forward, const std::vector<Value>& row, std
 void Table::first() {
     requireActive();
     settlePendingEdit();
-    if (loadRow(*plan_->first)) {
-        bof_ = true;
-        eof_ = false;
-    } else {
+    // A scan from the first row again, with the rows of the last one still good: from memory.
+    if (aheadFromFirst_ && aheadPlan_ == plan_.get() && aheadGeneration_ == generation() &&
+        !ahead_.empty() && fresh()) {
+        rowid_ = ahead_[0].first;
+        setRow(ahead_[0].second);
+        aheadAt_ = 1;
+    } else if (!loadRow(*plan_->first)) {
         clearRow();
         bof_ = eof_ = true;
+        scanRun_ = 0;
+        notifyDataChanged();
+        return;
     }
+    bof_ = true;
+    eof_ = false;
+    // A first row is where scans start: the next move reads ahead.
+    scanRun_ = 1;
+    noteScanPosition();
+    firstRowid_ = rowid_;
+    firstPlan_ = plan_.get();
+    firstStamp_ = generation();
     notifyDataChanged();
+}
+
+bool Table::fresh() const {
+    // Inside a transaction nobody else's change can show before it ends; outside one, rows read
+    // ahead are kept only for the moment of one scan.
+    return !sqlite3_get_autocommit(database_->handle()) ||
+           std::chrono::steady_clock::now() - aheadRead_ < std::chrono::milliseconds(20);
 }
 
 void Table::last() {
@@ -453,10 +474,7 @@ bool Table::aheadValid() const {
     if (aheadAt_ >= ahead_.size() || aheadGeneration_ != generation() ||
         aheadPlan_ != plan_.get() || aheadAt_ == 0 || ahead_[aheadAt_ - 1].first != rowid_)
         return false;
-    // Inside a transaction nobody else's change can show before it ends; outside one, the rows
-    // are kept only for the moment of one scan.
-    return !sqlite3_get_autocommit(database_->handle()) ||
-           std::chrono::steady_clock::now() - aheadRead_ < std::chrono::milliseconds(20);
+    return fresh();
 }
 
 void Table::readAhead() {
@@ -480,6 +498,8 @@ void Table::readAhead() {
         ahead_.emplace_back(stmt.columnInteger(0), std::move(row));
     }
     aheadEnded_ = ahead_.size() < static_cast<std::size_t>(ReadAhead);
+    aheadFromFirst_ =
+        rowid_ == firstRowid_ && plan_.get() == firstPlan_ && generation() == firstStamp_;
     // The current row heads the buffer's positions: the first row read follows it.
     ahead_.insert(ahead_.begin(), {rowid_, row_});
     aheadAt_ = 1;

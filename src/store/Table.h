@@ -112,14 +112,19 @@ private:
     // transaction or a moment's age.
     static constexpr int ReadAhead = 32;
     bool aheadValid() const;
+    bool fresh() const;
     using Stamp = std::pair<std::uint64_t, std::uint64_t>;
     Stamp generation() const;
     void readAhead();
     void noteScanPosition();
     std::vector<std::pair<std::int64_t, std::vector<Value>>> ahead_;
     std::size_t aheadAt_ = 0;
-    bool aheadEnded_ = false; // the read reached the end of the set
+    bool aheadEnded_ = false;     // the read reached the end of the set
+    bool aheadFromFirst_ = false; // the buffer starts with the set's first row
+    std::int64_t firstRowid_ = 0; // the first row as first() last found it
+    const void* firstPlan_ = nullptr;
     Stamp aheadGeneration_{};
+    Stamp firstStamp_{};
     const void* aheadPlan_ = nullptr;
     std::chrono::steady_clock::time_point aheadRead_;
     // Where the last next left the cursor: a next from there continues the scan.
