@@ -19,7 +19,7 @@ TdlgDeleteFiles::TdlgDeleteFiles(QWidget* parent) : QDialog(parent) {
 
     rdgOption = new QGroupBox(this);
     rdgOption->setObjectName("rdgOption");
-    rdgOption->setGeometry(8, 8, 284, 96);
+    rdgOption->setGeometry(8, 8, 324, 96);
     rdgOptionItems = new QButtonGroup(rdgOption);
     auto* items = new QVBoxLayout(rdgOption);
     const char* captions[] = {"Delete All of the Job Files", "Retain All of the Job Files",
@@ -34,18 +34,18 @@ TdlgDeleteFiles::TdlgDeleteFiles(QWidget* parent) : QDialog(parent) {
 
     chkOutputDir = new QCheckBox("Apply File Deletions to the Output Directory", this);
     chkOutputDir->setObjectName("chkOutputDir");
-    chkOutputDir->setGeometry(12, 112, 280, 20);
+    chkOutputDir->setGeometry(12, 112, 320, 20);
 
     btnOK = new QPushButton("OK", this);
     btnOK->setObjectName("btnOK");
-    btnOK->setGeometry(130, 142, 75, 25);
+    btnOK->setGeometry(170, 142, 75, 25);
     btnOK->setDefault(true);
     btnCancel = new QPushButton("Cancel", this);
     btnCancel->setObjectName("btnCancel");
-    btnCancel->setGeometry(214, 142, 75, 25);
+    btnCancel->setGeometry(254, 142, 75, 25);
     btnCancel->setAutoDefault(false);
     setProperty("defaultModalResult", static_cast<int>(common::ModalResult::Ok));
-    setFixedSize(300, 176);
+    setFixedSize(340, 176);
 
     connect(btnOK, &QPushButton::clicked, this,
             [this] { done(static_cast<int>(common::ModalResult::Ok)); });

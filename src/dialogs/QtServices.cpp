@@ -16,10 +16,14 @@ QStringList qtFilters(const std::string& filter) {
     QStringList out;
     for (int i = 0; i + 1 < parts.size(); i += 2) {
         QString patterns = parts[i + 1];
+        QString label = parts[i];
+        // A label that names its own patterns ("Text Files (*.txt)") gets them once.
+        if (label.endsWith("(" + patterns + ")"))
+            label = label.left(label.size() - patterns.size() - 2).trimmed();
         patterns.replace(';', ' ');
         if (patterns == "*.*")
             patterns = "*";
-        out << parts[i] + " (" + patterns + ")";
+        out << label + " (" + patterns + ")";
     }
     return out;
 }

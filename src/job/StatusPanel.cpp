@@ -26,6 +26,8 @@ void StatusPanel::paintEvent(QPaintEvent*) {
         bar.progress = static_cast<int>(std::lround(percent));
         bar.text = QString("%1%").arg(bar.progress);
         bar.textVisible = true;
+        bar.textAlignment = Qt::AlignCenter;
+        bar.state |= QStyle::State_Horizontal;
         style()->drawControl(QStyle::CE_ProgressBar, &bar, &painter, this);
         return;
     }
