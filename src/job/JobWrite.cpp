@@ -170,8 +170,6 @@ void TdlgJob::WriteProgramLines(job::ProgramFile& File) {
         return WriteLinePrefix(number, increment) +
                common::trim(jobs.fieldByName(schema::Script_Line).asString());
     };
-    // The bound controls show the selected line again afterwards, not the last row read.
-    auto shown = jobs.getBookmark();
     for (jobs.first(); !jobs.eof();) {
         const int level = jobs.fieldByName(schema::Node_Level).asInteger();
         const bool skipped = jobs.fieldByName(schema::Image).asInteger() == 3;
@@ -193,9 +191,8 @@ void TdlgJob::WriteProgramLines(job::ProgramFile& File) {
         jobs.next();
         common::hostApplication().processMessages();
     }
-    if (shown.valid)
-        jobs.gotoBookmark(shown);
-    jobs.freeBookmark(shown);
+    // The bound controls show the selected line again, not the last row read.
+    SyncJobRow(nullptr);
 }
 
 void TdlgJob::ReportProgramToHost() {
