@@ -176,6 +176,18 @@ void ScriptUi::addActions() {
         for (int i = 0; i < form.cmbMachines->count(); ++i)
             std::cout << form.cmbMachines->itemText(i).toStdString() << '\n';
     };
+    // Entry K as "machines" prints them, from 1: the operator's choice, so its handler runs.
+    actions_["machine"] = [](TdlgJob& form, const std::string& argument) {
+        const int entry = integerArgument(argument, 1, std::max(1, form.cmbMachines->count())) - 1;
+        if (entry >= form.cmbMachines->count())
+            throw ScriptError("the machine list has no entry " + argument);
+        form.cmbMachines->setCurrentIndex(entry);
+        emit form.cmbMachines->activated(entry);
+    };
+    actions_["programs"] = [](TdlgJob& form, const std::string& argument) {
+        noArgument(argument);
+        printList(form.lstPrograms);
+    };
     addWalkActions();
 }
 

@@ -3,6 +3,7 @@
 #include "common/Convert.h"
 #include "common/Format.h"
 #include "common/Services.h"
+#include "machine/Focus1Comm.h"
 #include "store/DataMod.h"
 #include "template/DeleteTemplate.h"
 #include "template/Template.h"
@@ -28,6 +29,7 @@ void LibraryLoad() {
 }
 
 void LibraryUnload() {
+    ExitFocasProcess(); // the FOCAS library's process state ends with the module
     if (!loaded())
         return;
     FreeDlgTemplate();

@@ -2,6 +2,7 @@
 #include "boundary/Exports.h"
 
 #include "common/Services.h"
+#include "dialogs/WaitCursor.h"
 #include "job/HostReport.h"
 #include "job/Job.h"
 #include "store/DataMod.h"
@@ -13,19 +14,6 @@
 
 namespace boundary {
 
-namespace {
-
-// The hourglass for the time of the object, also when an exception leaves.
-class WaitCursor {
-public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-};
-
-} // namespace
-
 void JobWizard(TJobWizardInfo Info) {
     if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
         throw std::logic_error("JobWizard needs the host's Qt application");
@@ -34,7 +22,7 @@ void JobWizard(TJobWizardInfo Info) {
     auto form = std::make_unique<TdlgJob>();
     bool ready = false;
     {
-        const WaitCursor wait;
+        const dialogs::WaitCursor wait;
         DM().PositionTemplate(record.TemplateID);
         ready = form->OpenJob(record);
     }

@@ -389,6 +389,8 @@ void TdlgJob::connectHandlers() {
     // Combo boxes: only the operator's choice runs a handler.
     connect(cmbAuxPallet, &QComboBox::activated, this,
             [this] { Event([&] { cmbAuxPalletChange(); }); });
+    connect(cmbMachines, &QComboBox::activated, this,
+            [this] { Event([&] { cmbMachinesChange(); }); });
     connectNavigationHandlers();
     connectEntryHandlers();
     connectDefaultMenus();

@@ -5,9 +5,12 @@
 #include "common/FileNames.h"
 #include "common/Format.h"
 #include "common/Services.h"
+#include "dialogs/WaitCursor.h"
+#include "machine/Focus1Comm.h"
 #include "machine/MachineInfo.h"
 #include "store/DataMod.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
@@ -70,6 +73,28 @@ void TdlgJob::cmbAuxPalletChange() {
         editBasketStatus->setStyleSheet({});
     }
     SetJobHeaderValue(schema::Value_3, text);
+}
+
+void TdlgJob::cmbMachinesChange() {
+    lstPrograms->clear();
+    bool connected = false;
+    const TMachineInfo* machine = MachineOf(cmbMachines, cmbMachines->currentIndex());
+    if (!machine) // "(Select a machine)"
+        return;
+    const std::string host = machine->Host;
+    const std::string portText = machine->Port;
+    const dialogs::WaitCursor hourglass;
+    {
+        TFocus1Comm link;
+        const std::uint16_t port = FocasPort(portText);
+        if (!host.empty() && port != 0 && link.Connect(host, port)) {
+            // A failed read still counts as connected: its own box is enough.
+            connected = true;
+            link.ReadPrograms(lstPrograms);
+        }
+    }
+    if (!connected)
+        common::ui().error(common::format("Unable to connect to %s.%s", {host, portText}));
 }
 
 namespace {
