@@ -242,6 +242,10 @@ void ScriptUi::addWalkActions() {
     actions_["next"] = press(&TdlgJob::btnNext);
     actions_["expand"] = press(&TdlgJob::btnExpand);
     actions_["collapse"] = press(&TdlgJob::btnCollapse);
+    actions_["skip"] = press(&TdlgJob::btnSkip);
+    actions_["skipdown"] = press(&TdlgJob::btnSkipDown);
+    actions_["copy"] = press(&TdlgJob::btnCopy);
+    actions_["paste"] = press(&TdlgJob::btnPaste);
     actions_["menu"] = [this](TdlgJob& form, const std::string& argument) {
         auto* item = form.findChild<QAction*>(QString::fromStdString(argument));
         if (argument.empty() || !item)

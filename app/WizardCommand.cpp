@@ -92,12 +92,14 @@ WizardCommand::WizardCommand(CLI::App& cli, std::string& cellDir) : cellDir_(cel
     job_->add_option("--answer", answer_,
                      "Answer every dialog with this button (default: each dialog's default)")
         ->check(CLI::IsMember({"ok", "cancel", "yes", "no"}));
-    job_->add_option("--script", script_,
-                     "Operator actions, one a line (- for standard input): program N, "
-                     "numbers on|off, increment N, answer ok|cancel|yes|no, rows, sample, "
-                     "machines, machine K, programs, select N|none, syntax K, value B [TEXT], "
-                     "comment TEXT, option on|off, "
-                     "radio K, next, expand, collapse, menu ITEM, view, write NAME");
+    job_->add_option(
+        "--script", script_,
+        "Operator actions, one a line (- for standard input): program N, "
+        "numbers on|off, increment N, answer ok|cancel|yes|no, rows, sample, "
+        "machines, machine K, programs, select N|none, syntax K, value B [TEXT], "
+        "comment TEXT, option on|off, "
+        "radio K, next, expand, collapse, skip, skipdown, copy, paste, menu ITEM, view, "
+        "write NAME");
     job_->add_option("--local-dir", localDir_,
                      "The job's directory (default CELL/Pallet<P>, created when missing)");
     job_->add_option("--input-dir", inputDir_, "Default input directory (default: the cell)");

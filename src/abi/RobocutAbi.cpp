@@ -5,6 +5,7 @@
 #include "common/Services.h"
 #include "dialogs/QtServices.h"
 #include "job/HostReport.h"
+#include "template/CommandSetup.h"
 
 #include <QApplication>
 
@@ -47,6 +48,24 @@ template <typename F> int32_t guarded(F&& f) {
         lastError = "unknown error";
     }
     return -1;
+}
+
+// The editor's object behind a plug-in's handle.
+TCommandSetup& commandSetup(const RcCommandSetup* setup) {
+    if (!setup)
+        throw std::invalid_argument("No command object given");
+    return *reinterpret_cast<TCommandSetup*>(const_cast<RcCommandSetup*>(setup));
+}
+
+std::int32_t& integerField(TCommandSetup& setup, int32_t field) {
+    switch (field) {
+    case RC_SETUP_SYNTAX:
+        return setup.Syntax;
+    case RC_SETUP_SPECIAL:
+        return setup.Special;
+    default:
+        throw std::out_of_range("Field " + std::to_string(field) + " of a command does not exist");
+    }
 }
 
 // Whether the host runs a Qt widget application, so that the module's windows can show.
@@ -216,6 +235,15 @@ int32_t FileExtensions(char* buffer, int32_t size) {
     return copyOut(extensions, buffer, size);
 }
 
+int32_t AddPlugin(const RcPluginEntry* entry) {
+    return guarded([&] {
+        if (!entry)
+            throw std::invalid_argument("AddPlugin needs an entry");
+        boundary::AddPlugin(TPluginEntry{entry->ModuleHandle, text(entry->Kind)});
+        return 0;
+    });
+}
+
 int32_t Initialize(const char* localDirectory, const char* sharedDirectory, int32_t reserved1,
                    int32_t reserved2) {
     return guarded([&] {
@@ -319,6 +347,42 @@ int32_t CopyFiles(const char* source, const char* destination) {
         if (!hostHasWindows())
             throw std::logic_error("CopyFiles needs the host's Qt application");
         boundary::CopyFiles(text(source), text(destination));
+        return 0;
+    });
+}
+
+int32_t RcCommandSetupCode(const RcCommandSetup* setup, char* buffer, int32_t size) {
+    return guarded([&] { return copyOut(commandSetup(setup).Code, buffer, size); });
+}
+
+int32_t RcCommandSetupValue(const RcCommandSetup* setup, int32_t slot, char* buffer, int32_t size) {
+    return guarded([&] { return copyOut(commandSetup(setup).Value(slot), buffer, size); });
+}
+
+int32_t RcCommandSetupSetValue(RcCommandSetup* setup, int32_t slot, const char* value) {
+    return guarded([&] {
+        commandSetup(setup).Value(slot) = text(value);
+        return 0;
+    });
+}
+
+int32_t RcCommandSetupInteger(const RcCommandSetup* setup, int32_t field, int32_t* value) {
+    return guarded([&] {
+        TCommandSetup& object = commandSetup(setup);
+        if (!value)
+            throw std::invalid_argument("No place for the value given");
+        *value = field == RC_SETUP_LOCKED ? (object.Locked ? 1 : 0) : integerField(object, field);
+        return 0;
+    });
+}
+
+int32_t RcCommandSetupSetInteger(RcCommandSetup* setup, int32_t field, int32_t value) {
+    return guarded([&] {
+        TCommandSetup& object = commandSetup(setup);
+        if (field == RC_SETUP_LOCKED)
+            object.Locked = value != 0;
+        else
+            integerField(object, field) = value;
         return 0;
     });
 }

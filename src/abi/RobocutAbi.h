@@ -71,6 +71,42 @@ typedef struct RcAutomationInfo {
     uint8_t HostFlag2;
 } RcAutomationInfo;
 
+/* A further library of the host. Only the kind "Template Enhancement" is taken, as a plug-in of
+ * the template editor; any other kind is ignored. The module copies what it keeps. */
+typedef struct RcPluginEntry {
+    void* ModuleHandle; /* the loaded library (a dlopen handle) */
+    const char* Kind;
+} RcPluginEntry;
+
+/* A command's object in the template editor, as a plug-in receives it; read and change it with
+ * the RcCommandSetup functions below, during the plug-in's call or until the editor's tree is
+ * reloaded. */
+typedef struct RcCommandSetup RcCommandSetup;
+
+/* Entry points of a plug-in library, exported as plain C functions under these names. All are
+ * optional and looked up at each use; libraries are served in the order they were added.
+ *   "LoadControls"   at each opening of the editor: place controls on the panel (a QWidget* of
+ *                    the host's Qt); call refreshNodeImage after changing the selected object.
+ *   "OpenDatabases"  right after LoadControls of the same library: the full path of the shared
+ *                    database, the text "Fanuc", and the plug-in database mode (1).
+ *   "ItemSelected"   at each change of the selection: the selected command's object, or NULL for
+ *                    a section or when nothing is selected.
+ *   "UnloadControls" when the editor closes, however it closes: remove the controls.
+ *   "CloseDatabases" right after UnloadControls of the same library.
+ * A plug-in's changes to an object are saved with the template at OK; they do not count as
+ * unsaved changes and are not journalled. */
+typedef void (*RcPluginRefreshNodeImage)(void);
+typedef void (*RcPluginLoadControls)(void* panel, RcPluginRefreshNodeImage refreshNodeImage);
+typedef void (*RcPluginOpenDatabases)(const char* sharedDatabasePath, const char* engine,
+                                      int32_t mode);
+typedef void (*RcPluginItemSelected)(RcCommandSetup* commandSetup);
+typedef void (*RcPluginUnloadControls)(void);
+typedef void (*RcPluginCloseDatabases)(void);
+
+/* The whole-number fields of a command's object. Syntax: index from 0 among the command's
+ * syntaxes, -1 when none is chosen; Locked: 0 or 1. */
+enum RcCommandSetupField { RC_SETUP_SYNTAX = 0, RC_SETUP_LOCKED = 1, RC_SETUP_SPECIAL = 2 };
+
 /* What the module asks of its host. Any member may be NULL: messages then go to standard error
  * with the default answer, a terminate request is only noted (RcTerminateRequested), and pending
  * messages are the host's Qt application's events, when it runs one. */
@@ -100,6 +136,10 @@ RC_API int32_t RcStringListTemplateId(const RcStringList* list, int32_t index);
 /* The exports. */
 RC_API int32_t PluginName(char* buffer, int32_t size);
 RC_API int32_t FileExtensions(char* buffer, int32_t size);
+/* Adds a plug-in library for the template editor; allowed at any time, also before Initialize
+ * and before the host runs a Qt application. Entries stay until the module is unloaded; duplicates
+ * are kept. 0, or -1 for a NULL entry. */
+RC_API int32_t AddPlugin(const RcPluginEntry* entry);
 RC_API int32_t Initialize(const char* localDirectory, const char* sharedDirectory,
                           int32_t reserved1, int32_t reserved2);
 RC_API int32_t LoadTemplateNames(const char* fixture, RcStringList* list, int32_t byFixture);
@@ -125,6 +165,19 @@ RC_API int32_t JobWizard(const RcJobWizardInfo* info);
  * last file. Files that cannot be copied are passed over in silence. Needs a running QApplication
  * in the host's process. 0, or -1 (nothing copied) with the reason in RcLastError(). */
 RC_API int32_t CopyFiles(const char* source, const char* destination);
+
+/* A command's object, for plug-ins. Texts are returned into buffers as the exports do; the value
+ * slots are numbered 1 to 6. Each call returns -1 for a NULL object, a slot or field out of range,
+ * or a NULL out pointer, with the reason in RcLastError(). */
+RC_API int32_t RcCommandSetupCode(const RcCommandSetup* setup, char* buffer, int32_t size);
+RC_API int32_t RcCommandSetupValue(const RcCommandSetup* setup, int32_t slot, char* buffer,
+                                   int32_t size);
+/* 0 on success; NULL stores an empty text. */
+RC_API int32_t RcCommandSetupSetValue(RcCommandSetup* setup, int32_t slot, const char* value);
+/* 0 on success, the field's value in *value. */
+RC_API int32_t RcCommandSetupInteger(const RcCommandSetup* setup, int32_t field, int32_t* value);
+/* 0 on success; for RC_SETUP_LOCKED any nonzero value means locked. */
+RC_API int32_t RcCommandSetupSetInteger(RcCommandSetup* setup, int32_t field, int32_t value);
 
 #ifdef __cplusplus
 }

@@ -7,6 +7,7 @@
 #include "store/DataMod.h"
 #include "template/DeleteTemplate.h"
 #include "template/Template.h"
+#include "template/TemplatePlugins.h"
 
 #include <filesystem>
 #include <system_error>
@@ -29,7 +30,8 @@ void LibraryLoad() {
 }
 
 void LibraryUnload() {
-    ExitFocasProcess(); // the FOCAS library's process state ends with the module
+    ExitFocasProcess();     // the FOCAS library's process state ends with the module
+    ClearTemplatePlugins(); // as does the list of plug-ins, which may precede the load
     if (!loaded())
         return;
     FreeDlgTemplate();
@@ -42,6 +44,11 @@ bool LibraryLoaded() { return loaded(); }
 void PluginName(std::string& name) { name = ModuleName; }
 
 void FileExtensions(std::string& extensions) { extensions = ModuleFileExtension; }
+
+void AddPlugin(const TPluginEntry& entry) {
+    if (entry.Kind == TemplateEnhancementKind)
+        AddTemplatePlugin(entry.ModuleHandle);
+}
 
 void Initialize(const std::string& localDirectory, const std::string& sharedDirectory,
                 std::int32_t reserved1, std::int32_t reserved2) {

@@ -22,6 +22,17 @@ void LibraryUnload();
 bool LibraryLoaded();
 
 void PluginName(std::string& name);
+// Adds a plug-in library of the template editor when the entry's kind is exactly
+// "Template Enhancement"; any other kind is ignored, and duplicates are kept. Works before
+// Initialize and before a QApplication exists; the entries stay until LibraryUnload. Each library
+// may export, as plain C functions (all optional, looked up by name at each use):
+//   void LoadControls(QWidget* panel, void (*refreshNodeImage)(void));
+//   void OpenDatabases(const char* sharedDatabasePath, const char* engine, int32_t mode);
+//   void ItemSelected(void* commandSetup); // TCommandSetup*, or null for a section
+//   void UnloadControls(void);
+//   void CloseDatabases(void);
+// An exception thrown by a plug-in reaches the editor's handler that called it.
+void AddPlugin(const TPluginEntry& entry);
 void FileExtensions(std::string& extensions);
 // Opens both databases (local first). A missing table is reported and ends the host; a database
 // file that cannot be opened raises a StoreError to the caller.

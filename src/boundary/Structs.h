@@ -56,6 +56,14 @@ struct TAutomationInfo {
 // The host's entry point that receives a job's report.
 using TGetJobInfo = void (*)(TAutomationInfo* info);
 
+// A further library the host tells the module about. Only libraries of the kind
+// "Template Enhancement" are taken, as plug-ins of the template editor; their entry points are
+// looked up in the module handle by name (see template/TemplatePlugins.h for their calling form).
+struct TPluginEntry {
+    void* ModuleHandle = nullptr; // the loaded library
+    std::string Kind;
+};
+
 // Point arrays of a fixture, kept in the wizard; indexed by workpiece.
 struct TPointInfo {
     std::string PartNumber;

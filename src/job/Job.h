@@ -16,6 +16,7 @@
 //   JobComment.cpp    section comments as program lines
 //   FileSource.cpp    the choice between two sources of an included file
 //   JobProgram.cpp    program number, line numbers, baskets and the queue
+//   JobSkip.cpp       skipped workpieces and lines, copy and paste of values
 //   JobWrite.cpp      the master program: check walk, file, report; the previous job's files
 #include "boundary/Structs.h"
 #include "dialogs/DBControls.h"
@@ -129,6 +130,23 @@ public:
     void btnExpandClick();
     // Sender nullptr (from the write walk) keeps the status message.
     void btnCollapseClick(QObject* Sender);
+
+    // ---- Skip, copy and paste (JobSkip.cpp) ----
+    // Marks the selected line or section skipped (btnSkip down) or open again (up), with the
+    // workpiece's "SEP" line of the Header when the template has automatic points, and advances.
+    // Sender goes on to Next.
+    void btnSkipClick(QObject* Sender);
+    // Skips the selected section and every one after it but the last.
+    void btnSkipDownClick();
+    // Does nothing but note the first node: the button is kept as it stands.
+    void btnUnskipClick();
+    void btnCopyClick();
+    // The copied line's values onto the selected line; a copied section's lines onto the
+    // selected section's, then the next section is selected.
+    void btnPasteClick();
+    // Code, Syntax_Item, Script_Line and the six values of the source's row into the target's;
+    // Image, State and Path of the target stay.
+    void PasteLineValues(QTreeWidgetItem* Source, QTreeWidgetItem* Target);
 
     // ---- Program number and line numbers (JobProgram.cpp) ----
     void spnProgramNumberChange();
@@ -350,7 +368,7 @@ public:
     QPushButton* btnPaste;
     QPushButton* btnSkip; // a speed button: stays down on a skipped line
     QPushButton* btnSkipDown;
-    QPushButton* btnUnskip;
+    QPushButton* btnUnskip; // a speed button of btnSkip's group
     QPushButton* btnNext;
     // tabScript "Script View".
     QWidget* tabScript;
@@ -457,6 +475,7 @@ public:
     std::string FScriptParentCode;
     int FWorkpieceCounter = 0;
     QTreeWidgetItem* FCopiedNode = nullptr;
+    QTreeWidgetItem* FUnskipCursor = nullptr;
     std::string FBrowsedFileName;
     int FLastScriptIndex = 0;
     std::string FFileList; // included files joined by "|"
@@ -483,6 +502,7 @@ private:
     void connectNavigationHandlers(); // JobNavigation.cpp
     void connectEntryHandlers();      // JobValueEntry.cpp
     void connectDefaultMenus();       // JobDefaults.cpp
+    void connectSkipHandlers();       // JobSkip.cpp
 
     // Runs a handler for a signal. An error of a handler that code set off (inside ByCode) is
     // kept and raised again where that code continues; an error of the user's own action is

@@ -200,6 +200,7 @@ void TdlgJob::buildTreeTab() {
     btnSkipDown =
         button(tabTree, "btnSkipDown", "Skip Remaining Workpieces", QRect(x, 188, 190, 28));
     btnUnskip = button(tabTree, "btnUnskip", "Unskip All Workpieces", QRect(x, 220, 190, 28));
+    btnUnskip->setCheckable(true);
     btnNext = button(tabTree, "btnNext", "Check Syntax and Advance", QRect(x, 300, 190, 40));
     btnNext->setDefault(true);
     QFont bold = btnNext->font();
@@ -394,6 +395,7 @@ void TdlgJob::connectHandlers() {
     connectNavigationHandlers();
     connectEntryHandlers();
     connectDefaultMenus();
+    connectSkipHandlers();
 }
 
 void TdlgJob::SetTag(QObject* Control, int Tag) { Control->setProperty("tag", Tag); }

@@ -9,9 +9,11 @@
 #include <QFrame>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QHideEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QShowEvent>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -91,6 +93,8 @@ void TdlgTemplate::buildControls() {
     btnCancel = button("Cancel", "Cancel Changes", this);
     pnlPlugins = new QFrame(this);
     pnlPlugins->setObjectName("pnlPlugins");
+    auto* pluginLayout = new QHBoxLayout(pnlPlugins); // plug-ins may add their controls to it
+    pluginLayout->setContentsMargins(0, 0, 0, 0);
     Timer = new QTimer(this);
     Timer->setInterval(1500);
 
@@ -204,7 +208,17 @@ void TdlgTemplate::closeModal() {
 void TdlgTemplate::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     FModalResult = common::ModalResult::None;
+    // A window restored by the window system is no new opening.
+    if (!event->spontaneous())
+        guarded([&] { FormShow(); });
     guarded([&] { FormActivate(); });
+}
+
+// Every way an opening ends (OK, Cancel, the close box, Esc) hides the form through done().
+void TdlgTemplate::hideEvent(QHideEvent* event) {
+    QDialog::hideEvent(event);
+    if (!event->spontaneous())
+        guarded([&] { FormClose(); });
 }
 
 void TdlgTemplate::changeEvent(QEvent* event) {
@@ -275,9 +289,6 @@ void TdlgTemplate::UpdateButtons() {
     }
     btnOK->setEnabled(!dbeTemplateName->text().isEmpty());
 }
-
-// Plug-ins see the selection here; without them it only updates the buttons.
-void TdlgTemplate::tvwTemplateChange() { UpdateButtons(); }
 
 void TdlgTemplate::dbeTemplateNameChange() { UpdateButtons(); }
 

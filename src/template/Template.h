@@ -46,8 +46,8 @@ public:
     QPushButton* btnDelete;
     QPushButton* btnOK;
     QPushButton* btnCancel;
-    QFrame* pnlPlugins;
-    QTimer* Timer; // 1500 ms, ends an incremental search in dbgCommands
+    QFrame* pnlPlugins; // the plug-ins' controls; has an empty horizontal layout for them
+    QTimer* Timer;      // 1500 ms, ends an incremental search in dbgCommands
 
     // ---- Tree and persistence ----
     // Makes the template current: FTemplateID, tableTemplateName on its row, tableTemplateData
@@ -72,7 +72,16 @@ public:
     // ---- Form events ----
     void FormActivate();
     void UpdateButtons();
+    // Each plug-in sees the selected node's object (given the plug-ins' file filter first), then
+    // the buttons are updated.
     void tvwTemplateChange();
+    // Each plug-in places its controls on pnlPlugins and opens its databases (at each opening).
+    void FormShow();
+    // Each plug-in removes its controls and closes its databases, however the opening ends.
+    void FormClose();
+    // The selected node's image from its object: plug-ins call this after changing the object.
+    // Sets neither FModified nor a journal row.
+    void RefreshNodeImage();
     void dbeTemplateNameChange();
 
     // ---- Editing ----
@@ -113,6 +122,7 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void reject() override;

@@ -1,0 +1,100 @@
+// A C plug-in of the template editor through the C ABI: added before the host has a Qt
+// application, served at an opening of the editor, and changing the selected command through the
+// accessors. Runs in a child process, so that the host's application ends with it.
+#include "RobocutAbi.h"
+#include "support/TestSupport.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QPushButton>
+#include <QTimer>
+#include <QTreeWidget>
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> calls;
+void record(const char* call) { calls.emplace_back(call); }
+
+int failures = 0;
+void check(bool ok, const std::string& what) {
+    if (!ok) {
+        std::cerr << "failed: " << what << '\n';
+        ++failures;
+    }
+}
+
+#define RC(name) reinterpret_cast<decltype(&name)>(dlsym(lib, #name))
+
+[[noreturn]] void runPluginCase() {
+    testsupport::TempDir dir;
+    const std::string data = QUORVEL_DATA_DIR "/";
+    for (const char* kind : {"schema_", "demo_"})
+        for (const auto& [file, part] : {std::pair{"ZEL.db", "shared"}, {"Quorvel.db", "local"}}) {
+            sqlite3* db = nullptr;
+            sqlite3_open(dir.file(file).c_str(), &db);
+            sqlite3_exec(db, testsupport::readFile(data + kind + part + ".sql").c_str(), nullptr,
+                         nullptr, nullptr);
+            sqlite3_close(db);
+        }
+    void* lib = dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    void* plugin = dlopen(TEST_PLUGIN_C_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    if (!lib || !plugin) {
+        std::cerr << dlerror() << '\n';
+        std::_Exit(2);
+    }
+    reinterpret_cast<void (*)(void (*)(const char*), int, const char*)>(
+        dlsym(plugin, "plugin_control"))(record, 1, nullptr);
+
+    // Before Initialize and before any QApplication; another kind is ignored.
+    std::string kind = "Template Enhancement";
+    RcPluginEntry entry{plugin, kind.c_str()};
+    check(RC(AddPlugin)(&entry) == 0, "AddPlugin before the application");
+    entry.Kind = "Other";
+    check(RC(AddPlugin)(&entry) == 0, "AddPlugin of another kind");
+    check(RC(AddPlugin)(nullptr) == -1, "AddPlugin without an entry");
+    check(RC(RcCommandSetupCode)(nullptr, nullptr, 0) == -1, "accessor without an object");
+    check(RC(Initialize)(dir.str().c_str(), dir.str().c_str(), 0, 0) == 0, "Initialize");
+
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    int argc = 1;
+    char name[] = "host";
+    char* argv[] = {name, nullptr};
+    const QApplication app(argc, argv);
+    // The operator selects G54, the third command of the Header, and closes the editor.
+    QTimer::singleShot(0, [] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        check(dialog && dialog->findChild<QPushButton*>("pluginButton"), "the plug-in's control");
+        if (!dialog)
+            return;
+        auto* tree = dialog->findChild<QTreeWidget*>("tvwTemplate");
+        tree->setCurrentItem(tree->topLevelItem(0)->child(2));
+        dialog->reject();
+    });
+    check(RC(ModifyTemplate)(0, 3, 1) == 0, "ModifyTemplate");
+    const std::vector<std::string> expected{
+        "c:LoadControls(pnlPlugins)",
+        "c:OpenDatabases(" + dir.file("ZEL.db") + "|Fanuc|1)",
+        "c:ItemSelected(G54 syntax 0 locked 1 value 7.5)",
+        "c:UnloadControls()",
+        "c:CloseDatabases()",
+    };
+    check(calls == expected, "the plug-in's calls");
+    if (calls != expected)
+        for (const auto& call : calls)
+            std::cerr << call << '\n';
+    std::_Exit(failures == 0 ? 0 : 1);
+}
+
+} // namespace
+
+TEST(CAbiPlugin, AddedBeforeTheApplicationAndServedAtAnOpening) {
+    EXPECT_EXIT(runPluginCase(), ::testing::ExitedWithCode(0), "");
+}
