@@ -121,6 +121,9 @@ int JobCommands::runCompose() {
         ++number;
         if (!line.empty() && line.back() == '\r')
             line.pop_back();
+        // Blank lines and comments are no cases.
+        if (common::trim(line).empty() || line[0] == '#')
+            continue;
         try {
             std::cout << TdlgJob::ComposeCaseLine(line) << '\n';
         } catch (const std::exception& e) {

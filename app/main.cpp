@@ -12,8 +12,12 @@
 
 int main(int argc, char** argv) {
     CLI::App cli{"quorvel - stand-alone host of the FANUC Robocut machine module"};
-    cli.require_subcommand(1);
+    cli.require_subcommand(0, 1);
+    cli.set_version_flag("--version", "quorvel " QUORVEL_VERSION);
     std::string cellDir = app::defaultCellDirectory();
+    // The cell may also be named before the subcommand.
+    cli.add_option("--cell", cellDir, "Cell directory");
+    cli.add_subcommand("help", "Show this help");
 
     auto* init = cli.add_subcommand("init", "Create a cell: ZEL.db and Quorvel.db with demo data");
     bool force = false;
@@ -32,7 +36,26 @@ int main(int argc, char** argv) {
     app::WizardCommand wizardCommand(cli, cellDir);
     app::CopyCommand copyCommand(cli);
 
-    CLI11_PARSE(cli, argc, argv);
+    // Exit codes: 0 done, 1 the work failed, 2 the command line is wrong.
+    try {
+        cli.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        std::cout << cli.help();
+        return 0;
+    } catch (const CLI::CallForAllHelp&) {
+        std::cout << cli.help("", CLI::AppFormatMode::All);
+        return 0;
+    } catch (const CLI::CallForVersion&) {
+        std::cout << cli.version() << '\n';
+        return 0;
+    } catch (const CLI::ParseError& e) {
+        std::cerr << "quorvel: " << e.what() << "\n(see quorvel --help)\n";
+        return 2;
+    }
+    if (cli.get_subcommands().empty() || cli.got_subcommand("help")) {
+        std::cout << cli.get_formatter()->make_help(&cli, "quorvel", CLI::AppFormatMode::Normal);
+        return 0;
+    }
     try {
         if (*init)
             return app::runInit(cellDir, force, empty);

@@ -62,11 +62,20 @@ TEST(QuorvelCli, BadInputGivesMessagesAndFailure) {
     auto run = quorvel("templates --cell '" + dir.str() + "/none'");
     EXPECT_NE(run.exitCode, 0);
     EXPECT_NE(run.output.find("quorvel init"), std::string::npos) << run.output;
-    run = quorvel("no-such-command");
-    EXPECT_NE(run.exitCode, 0);
-    run = quorvel("");
-    EXPECT_NE(run.exitCode, 0);
-    EXPECT_NE(run.output.find("subcommand"), std::string::npos) << run.output;
+    // 2 for a wrong command line; help and the version are plain output.
+    EXPECT_EQ(quorvel("no-such-command").exitCode, 2);
+    EXPECT_EQ(quorvel("job --cell x").exitCode, 2);
+    for (const char* plain : {"", "help", "--version"}) {
+        run = quorvel(plain);
+        EXPECT_EQ(run.exitCode, 0) << plain;
+        EXPECT_NE(run.output.find("quorvel"), std::string::npos) << run.output;
+    }
+    EXPECT_EQ(quorvel("--cell '" + dir.str() + "/none' templates").output,
+              quorvel("templates --cell '" + dir.str() + "/none'").output);
+    // Blank lines and comments of a case list are no cases.
+    testsupport::writeFile(dir.file("cases.tsv"), "# a comment\n\n%d\t1\t\t5\n");
+    run = quorvel("compose < '" + dir.file("cases.tsv") + "'");
+    EXPECT_EQ(run.output, "5\n");
     // A cell with a missing table names it and fails.
     ASSERT_EQ(quorvel("init --cell '" + dir.str() + "/c'").exitCode, 0);
     testsupport::writeFile(dir.str() + "/c/Quorvel.db", "not a database, only text............");
