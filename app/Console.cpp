@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QDir>
 
+#include <stdexcept>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,13 +44,41 @@ namespace app {
 CellPlatform::CellPlatform(const std::string& cellDir)
     : cellDir_(common::includeTrailingPathDelimiter(cellDir)) {}
 
+namespace {
+
+// Notes of the toolkit about its platform that say nothing to a user are passed over; every other
+// message goes where Qt sends it.
+QtMessageHandler toolkitHandler = nullptr;
+
+void quietToolkitNotes(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (type != QtCriticalMsg && type != QtFatalMsg &&
+        (text.contains("propagateSizeHints") || text.contains("XDG_RUNTIME_DIR")))
+        return;
+    if (toolkitHandler)
+        toolkitHandler(type, context, text);
+}
+
+} // namespace
+
 void prepareQtEnvironment() {
+    static const bool installed = [] {
+        toolkitHandler = qInstallMessageHandler(quietToolkitNotes);
+        return true;
+    }();
+    (void)installed;
     if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
         return;
     const QString dir = QDir::tempPath() + "/quorvel-runtime-" + QString::number(getuid());
     QDir().mkpath(dir);
     chmod(dir.toLocal8Bit().constData(), 0700);
     qputenv("XDG_RUNTIME_DIR", dir.toLocal8Bit());
+}
+
+void requireDisplay() {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
+        qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        throw std::runtime_error("there is no display to show the window on: set DISPLAY, or "
+                                 "run with QT_QPA_PLATFORM=offscreen");
 }
 
 } // namespace app

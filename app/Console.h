@@ -12,6 +12,9 @@ namespace app {
 // Gives Qt a private runtime directory when the session has none, so that windows and offscreen
 // widgets start without a warning on standard error.
 void prepareQtEnvironment();
+// Raises an error when a window is to be shown but the session has no display (and no Qt
+// platform is chosen), instead of letting the toolkit abort the process.
+void requireDisplay();
 
 class ConsoleUi : public common::Ui {
 public:

@@ -35,6 +35,7 @@ std::optional<int> CopyCommand::run(int argc, char** argv) {
         std::cout.flush();
         return 0;
     }
+    requireDisplay();
     prepareQtEnvironment();
     static int count;
     count = argc;

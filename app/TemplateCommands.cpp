@@ -55,6 +55,12 @@ TemplateCommands::TemplateCommands(CLI::App& cli, std::string& cellDir) : cellDi
 std::optional<int> TemplateCommands::run(int argc, char** argv) {
     if (!*template_)
         return std::nullopt;
+    if (*new_ && accept_ && name_.empty()) {
+        std::cerr << "quorvel template new: --accept needs --name: a template is saved with a "
+                     "name\n";
+        return 2;
+    }
+    requireDisplay();
     prepareQtEnvironment();
     QApplication application(argc, argv);
     dialogs::QtUi ui;
@@ -103,7 +109,9 @@ std::optional<int> TemplateCommands::run(int argc, char** argv) {
     boundary::ModifyTemplate(0, workpieces_, templateId_);
     std::string after;
     boundary::GetTemplateName(templateId_, after);
-    std::cout << "Template " << templateId_ << ": " << after << '\n';
+    const bool saved = dlgTemplate().ModalResult() == common::ModalResult::Ok;
+    std::cout << "Template " << templateId_ << ": " << after
+              << (saved ? " (saved)" : " (cancelled)") << '\n';
     return 0;
 }
 

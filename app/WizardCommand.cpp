@@ -46,6 +46,8 @@ std::vector<std::string> readScript(const std::string& file) {
 
 // Widgets for the run: a real window, or the offscreen platform for a run without one.
 std::unique_ptr<QApplication> application(int argc, char** argv, bool window) {
+    if (window)
+        requireDisplay();
     prepareQtEnvironment();
     if (!window && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");

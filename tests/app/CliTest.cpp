@@ -72,6 +72,8 @@ TEST(QuorvelCli, BadInputGivesMessagesAndFailure) {
     }
     EXPECT_EQ(quorvel("--cell '" + dir.str() + "/none' templates").output,
               quorvel("templates --cell '" + dir.str() + "/none'").output);
+    // Accepting a new template that has no name would wait for a name forever.
+    EXPECT_EQ(quorvel("template new --fixture FX-100 --accept --cell x").exitCode, 2);
     // Blank lines and comments of a case list are no cases.
     testsupport::writeFile(dir.file("cases.tsv"), "# a comment\n\n%d\t1\t\t5\n");
     run = quorvel("compose < '" + dir.file("cases.tsv") + "'");
