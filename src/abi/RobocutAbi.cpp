@@ -22,7 +22,16 @@ struct RcStringList {
 
 namespace {
 
-thread_local std::string lastError;
+// The reason of the last failed call, per thread. A plain array: a thread-local object with a
+// destructor would pin the library in the process, so that unloading it never ran its unload.
+constexpr std::size_t LastErrorSize = 4096;
+thread_local char lastError[LastErrorSize];
+
+void setLastError(const std::string& reason) {
+    const std::size_t n = std::min(reason.size(), LastErrorSize - 1);
+    std::memcpy(lastError, reason.data(), n);
+    lastError[n] = '\0';
+}
 bool terminateRequested = false;
 RcHostCallbacks callbacks{};
 
@@ -40,12 +49,12 @@ int32_t copyOut(const std::string& value, char* buffer, int32_t size) {
 // Runs `f`, turning any exception into -1 and the last error.
 template <typename F> int32_t guarded(F&& f) {
     try {
-        lastError.clear();
+        lastError[0] = '\0';
         return f();
     } catch (const std::exception& e) {
-        lastError = e.what();
+        setLastError(e.what());
     } catch (...) {
-        lastError = "unknown error";
+        setLastError("unknown error");
     }
     return -1;
 }
@@ -197,7 +206,7 @@ void RcSetHostCallbacks(const RcHostCallbacks* value) {
 
 int32_t RcTerminateRequested(void) { return terminateRequested ? 1 : 0; }
 
-const char* RcLastError(void) { return lastError.c_str(); }
+const char* RcLastError(void) { return lastError; }
 
 RcStringList* RcStringListNew(void) {
     try {
@@ -247,6 +256,8 @@ int32_t AddPlugin(const RcPluginEntry* entry) {
 int32_t Initialize(const char* localDirectory, const char* sharedDirectory, int32_t reserved1,
                    int32_t reserved2) {
     return guarded([&] {
+        // A good initialisation ends an earlier request to terminate.
+        terminateRequested = false;
         boundary::Initialize(text(localDirectory), text(sharedDirectory), reserved1, reserved2);
         return 0;
     });

@@ -152,8 +152,34 @@ TEST(CAbi, MissingTableIsReportedThroughTheHost) {
     EXPECT_EQ(messages.terminates, 1);
     EXPECT_EQ(lib.fn<int32_t (*)()>("RcTerminateRequested")(), 1);
 
+    // A good initialisation ends the request to terminate.
+    Cell good;
+    EXPECT_EQ(initialize(good.dir().c_str(), good.dir().c_str(), 0, 0), 0);
+    EXPECT_EQ(lib.fn<int32_t (*)()>("RcTerminateRequested")(), 0);
+
     testsupport::TempDir empty;
     EXPECT_EQ(initialize(empty.str().c_str(), empty.str().c_str(), 0, 0), -1);
     EXPECT_NE(std::string(lib.fn<const char* (*)()>("RcLastError")()).find("ZEL.db"),
               std::string::npos);
+}
+
+TEST(CAbi, UnloadingTheLibraryUnloadsItAndAReloadStartsAfresh) {
+    Cell cell;
+    {
+        Library lib;
+        ASSERT_TRUE(lib.loaded()) << dlerror();
+        auto initialize =
+            lib.fn<int32_t (*)(const char*, const char*, int32_t, int32_t)>("Initialize");
+        ASSERT_EQ(initialize(cell.dir().c_str(), cell.dir().c_str(), 0, 0), 0);
+    }
+    // Gone from the process: its unload ran and nothing of it stays.
+    EXPECT_EQ(dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW | RTLD_NOLOAD), nullptr);
+    Library again;
+    ASSERT_TRUE(again.loaded()) << dlerror();
+    auto list = again.fn<RcStringList* (*)()>("RcStringListNew")();
+    // A fresh module has no store open until it is initialised.
+    EXPECT_EQ(again.fn<int32_t (*)(const char*, RcStringList*, int32_t)>("LoadTemplateNames")(
+                  "", list, 0),
+              -1);
+    again.fn<void (*)(RcStringList*)>("RcStringListFree")(list);
 }
