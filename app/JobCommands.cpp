@@ -121,8 +121,9 @@ int JobCommands::runCompose() {
         ++number;
         if (!line.empty() && line.back() == '\r')
             line.pop_back();
-        // Blank lines and comments are no cases.
-        if (common::trim(line).empty() || line[0] == '#')
+        // Blank lines and comments are no cases. A comment starts with '#' and has no tab: a case
+        // always has one, and its mask may itself start with '#' ("#%s=%0.000f").
+        if (common::trim(line).empty() || (line[0] == '#' && line.find('\t') == std::string::npos))
             continue;
         try {
             std::cout << TdlgJob::ComposeCaseLine(line) << '\n';

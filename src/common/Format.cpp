@@ -19,6 +19,25 @@ struct Decimal {
 
 constexpr int kSignificantDigits = 15;
 
+bool continuationByte(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
+
+// The number of characters of UTF-8 text (bytes that do not continue a sequence).
+std::size_t characterCount(std::string_view text) {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return !continuationByte(c); }));
+}
+
+// The length in bytes of the first `count` characters of UTF-8 text.
+std::size_t characterPrefix(std::string_view text, std::size_t count) {
+    std::size_t at = 0;
+    for (std::size_t n = 0; n < count && at < text.size(); ++n) {
+        ++at;
+        while (at < text.size() && continuationByte(text[at]))
+            ++at;
+    }
+    return at;
+}
+
 void stripTrailingZeros(Decimal& d) {
     while (!d.digits.empty() && d.digits.back() == '0')
         d.digits.pop_back();
@@ -261,9 +280,11 @@ private:
             fail();
         const char type = static_cast<char>(fmt_[pos_++] | 0x20);
         std::string text = convert(type, precision);
+        // Width counts characters, not the bytes of their UTF-8 form.
         const auto pad = static_cast<std::size_t>(width);
-        if (text.size() < pad)
-            text.insert(left ? text.size() : 0, pad - text.size(), ' ');
+        const std::size_t length = characterCount(text);
+        if (length < pad)
+            text.insert(left ? text.size() : 0, pad - length, ' ');
         return text;
     }
 
@@ -282,8 +303,10 @@ private:
             const FormatArg& arg = nextArg();
             if (arg.kind() != FormatArg::Kind::Text)
                 fail();
-            if (precision && arg.text().size() > static_cast<std::size_t>(*precision))
-                return arg.text().substr(0, static_cast<std::size_t>(*precision));
+            // Precision keeps whole characters: a cut never splits a UTF-8 sequence.
+            if (precision)
+                return arg.text().substr(
+                    0, characterPrefix(arg.text(), static_cast<std::size_t>(*precision)));
             return arg.text();
         }
         case 'f':
@@ -555,8 +578,6 @@ std::string formatFloat(std::string_view picture, double value) {
     return pictureText(section, value, minus);
 }
 
-std::string floatToStr(double value) {
-    return generalText(value, kSignificantDigits);
-}
+std::string floatToStr(double value) { return generalText(value, kSignificantDigits); }
 
 } // namespace common

@@ -2,6 +2,8 @@
 
 #include <QKeyEvent>
 
+#include <limits>
+
 namespace dialogs {
 
 namespace {
@@ -160,6 +162,8 @@ void FieldBinding::noteTextChanged() {
 // ---- TDBEdit ----
 
 TDBEdit::TDBEdit(QWidget* parent) : QLineEdit(parent) {
+    // The box takes whatever its column holds; a line edit would cut at 32767 characters.
+    setMaxLength(std::numeric_limits<int>::max());
     // Connected first, so the mark is set before any form handler sees the change.
     connect(this, &QLineEdit::textChanged, this, [this] { noteTextChanged(); });
 }

@@ -4,6 +4,7 @@
 
 #include "common/Convert.h"
 #include "common/Format.h"
+#include "job/JobReplay.h"
 #include "store/DataMod.h"
 
 #include <algorithm>
@@ -137,6 +138,20 @@ BuildDefaults* defaultsOf(const TdlgJob& form) {
 
 } // namespace
 
+bool job::IsSectionLine(const std::string& code, int level) {
+    auto& syntax = DM().tableSyntax;
+    syntax.findNearest({code});
+    return level <= 0 || !syntax.hasRow() || syntax.fieldByName(schema::Code).asString() != code;
+}
+
+int job::CountSectionLine(const std::string& code, int counter) {
+    if (code == schema::HeaderCode)
+        return 0;
+    if (code == schema::FooterCode || code == schema::PlaceholderCode)
+        return counter;
+    return counter + 1;
+}
+
 void TdlgJob::BuildJobFromTemplate() {
     BindDataControls();
     auto& jobs = DM().tableJobs;
@@ -186,10 +201,10 @@ void TdlgJob::AppendJobLine(int LineNumber, const std::string& Code, bool Preset
     const int state = NodeLevel == 2 ? 2 : 0;
     int image = 1;
     auto& syntax = DM().tableSyntax;
-    syntax.findNearest({Code});
+    const bool section = job::IsSectionLine(Code, NodeLevel);
     // The first syntax of the code decides the kind of line, whichever syntax is chosen.
     const int type = syntax.fieldByName(schema::Type).asInteger();
-    if (NodeLevel <= 0 || !syntax.hasRow() || syntax.fieldByName(schema::Code).asString() != Code) {
+    if (section) {
         AppendSectionLine(LineNumber, Code, NodeLevel, state);
         return;
     }
@@ -237,14 +252,13 @@ void TdlgJob::AppendJobLine(int LineNumber, const std::string& Code, bool Preset
 void TdlgJob::AppendSectionLine(int LineNumber, const std::string& Code, int NodeLevel, int State) {
     std::string label;
     std::string version;
+    FWorkpieceCounter = job::CountSectionLine(Code, FWorkpieceCounter);
     if (Code == schema::HeaderCode) {
         version = DM().tableTemplateName.fieldByName(schema::Version).asString();
         label = "Header";
-        FWorkpieceCounter = 0;
     } else if (Code == schema::FooterCode) {
         label = "Footer";
     } else if (Code != schema::PlaceholderCode) {
-        ++FWorkpieceCounter;
         label = "Workpiece" + std::to_string(FWorkpieceCounter);
     }
     const std::string scriptLine = label.empty() ? "" : "(" + common::upperCase(label) + ")";

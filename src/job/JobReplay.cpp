@@ -19,7 +19,7 @@ int JobLineReplay::nearest(int line) const {
     return static_cast<int>(it - lines_.begin());
 }
 
-void JobLineReplay::InsertJobLine(int line, const std::string& code, int level) {
+int JobLineReplay::InsertJobLine(int line, const std::string& code, int level) {
     // Renumbering walks down from the last line while it is not below `line`; at or before the
     // first line that walk would never end, so such an insert is refused.
     if (!lines_.empty() && line <= lines_.front().lineNumber)
@@ -35,6 +35,7 @@ void JobLineReplay::InsertJobLine(int line, const std::string& code, int level) 
     slot.level = level;
     slot.created = static_cast<int>(created_.size()) - 1;
     lines_.insert(it, slot);
+    return slot.created;
 }
 
 void JobLineReplay::DeleteJobLines(int line, int count) {

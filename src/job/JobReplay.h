@@ -22,10 +22,12 @@ struct ReplaySlot {
     int created = -1;       // the new line it carries (index into created()), -1 for a row
 };
 
-// A line made by an insert: the code and level it was appended with.
+// A line made by an insert: the code and level it was appended with, and for a workpiece section
+// line the workpiece number it took when its insert was replayed (0 for any other line).
 struct CreatedLine {
     std::string code;
     int level = 0;
+    int workpiece = 0;
 };
 
 class JobLineReplay {
@@ -34,8 +36,13 @@ public:
     explicit JobLineReplay(std::vector<ReplaySlot> lines) : lines_(std::move(lines)) {}
 
     // Opens a gap at `line` (every line from there on moves up by one) and adds a new line there.
-    // Raises when `line` is at or before the first line: the gap could never be opened.
-    void InsertJobLine(int line, const std::string& code, int level);
+    // Raises when `line` is at or before the first line: the gap could never be opened. Returns
+    // the index of the new line in created().
+    int InsertJobLine(int line, const std::string& code, int level);
+    // Notes the workpiece number that the new line `index` took when it was made.
+    void setWorkpiece(int index, int workpiece) {
+        created_.at(static_cast<std::size_t>(index)).workpiece = workpiece;
+    }
     // Deletes `count` times the line at `line` (or the nearest after it, or the last), closing the
     // gap each time; stops at once when the line deleted was the last.
     void DeleteJobLines(int line, int count);
@@ -52,6 +59,13 @@ private:
     std::vector<ReplaySlot> lines_;
     std::vector<CreatedLine> created_;
 };
+
+// Whether AppendJobLine makes a section line for `code` at `level`: a line of level 0 or below,
+// or a code with no Syntax row of its own. Leaves tableSyntax on the nearest row of the code.
+bool IsSectionLine(const std::string& code, int level);
+// The workpiece counter after a section line of `code` is appended: 0 after the Header, one more
+// after a workpiece, as it was after the Footer and a placeholder.
+int CountSectionLine(const std::string& code, int counter);
 
 // The lines of one job, in Line_Number order.
 std::vector<ReplaySlot> loadJobLines(store::Database& db, int pallet, int job);

@@ -20,6 +20,9 @@ void filterOnTemplate(store::Table& table, int templateId) {
 
 void TdlgJob::UpdateJobFromJournal(int JobVersion) {
     int newVersion = JobVersion;
+    // Every replayed ADD counts as AppendJobLine counts, at the moment it is replayed: a workpiece
+    // line that a later row deletes still takes its number from the counter.
+    int counter = FWorkpieceCounter;
     const int templateId = DM().tableTemplateName.fields(0).asInteger();
     filterOnTemplate(DM().tableTemplateData, templateId);
     auto& journal = DM().tableTemplateVersion;
@@ -36,7 +39,13 @@ void TdlgJob::UpdateJobFromJournal(int JobVersion) {
                 const std::string value = journal.fieldByName(schema::Value).asString();
                 const int number = journal.fieldByName(schema::Number).asInteger();
                 if (action == "ADD") {
-                    replay.InsertJobLine(item, value, number);
+                    const int added = replay.InsertJobLine(item, value, number);
+                    if (job::IsSectionLine(value, number)) {
+                        counter = job::CountSectionLine(value, counter);
+                        if (value != schema::HeaderCode && value != schema::FooterCode &&
+                            value != schema::PlaceholderCode)
+                            replay.setWorkpiece(added, counter);
+                    }
                 } else if (action == "DEL") {
                     replay.DeleteJobLines(item, number);
                 } else if (action == "MOV") {
@@ -47,7 +56,10 @@ void TdlgJob::UpdateJobFromJournal(int JobVersion) {
                 }
             }
         },
-        [&] { SetJobHeaderValue(schema::Value_2, std::to_string(newVersion)); });
+        [&] {
+            FWorkpieceCounter = counter;
+            SetJobHeaderValue(schema::Value_2, std::to_string(newVersion));
+        });
 }
 
 void TdlgJob::SetJobHeaderValue(const std::string& Column, const std::string& Value) {
@@ -88,6 +100,9 @@ void TdlgJob::RunLineChanges(const std::function<void(job::JobLineReplay&)>& cha
         // New lines are made as an insert makes them: default syntax and values, composed.
         job::writeJobLines(db, FPalletNumber, FJobNumber, original, replay,
                            [&](int line, const job::CreatedLine& created) {
+                               // A workpiece line takes the number it got when it was made.
+                               if (created.workpiece > 0)
+                                   FWorkpieceCounter = created.workpiece - 1;
                                AppendJobLine(line, created.code, false, created.level);
                            });
         if (afterWrite)

@@ -52,15 +52,17 @@ void TDM::OpenStore(const std::string& localDir, const std::string& sharedDir, s
     FSharedDatabasePath = FSharedDir + schema::SharedFile;
     Session.Active = true;
 
+    // The host's database is only read here: opened for reading, its journal mode left alone.
     Database.setFileName(FSharedDatabasePath);
     Database.setPassword(schema::SharedPassword);
+    Database.setOpenForReading(true);
     Database.open();
-    Database.setReadOnly(false);
     if (!OpenTable(tableFixtureList, true))
         return;
     FBasketListExists = Database.tableExists(schema::BasketList);
 
     LocalDatabase.setFileName(FLocalDir + schema::LocalFile);
+    LocalDatabase.setSchemaVersion(schema::LocalSchemaVersion);
     LocalDatabase.open();
     for (store::Table* table :
          {&tableTemplateName, &tableTemplateVersion, &tableTemplateData, &tableValueType,

@@ -20,8 +20,8 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    // Connection settings as the store module gives them. The engine always shares its files (WAL
-    // with a busy timeout) and shows no dialogs, so these are carried, not acted on; an exclusive
+    // Connection settings as the store module gives them. The engine always shares its files (with
+    // a busy timeout) and shows no dialogs, so these are carried, not acted on; an exclusive
     // database is refused at open because the host must be able to hold the file too.
     bool Exclusive = false;
     bool MultiUser = true;
@@ -38,8 +38,18 @@ public:
     void setPassword(std::string password) { password_ = std::move(password); }
     const std::string& password() const { return password_; }
 
-    // Opens an existing database file; raises a StoreError naming the file when it is missing or
-    // is not a database. `create` is for `quorvel init` and test fixtures only.
+    // Settable before opening: the file is opened for reading only and its journal mode is left as
+    // its owner made it (the host's database). Otherwise the file is switched to WAL.
+    void setOpenForReading(bool reading);
+    bool openForReading() const { return openForReading_; }
+    // Settable before opening: the schema version (`user_version`) the file must have; a file of
+    // another version is refused at open with a message saying what to do. Unset: not checked.
+    void setSchemaVersion(int version) { schemaVersion_ = version; }
+    // The busy timeout of every connection: how long a statement waits for another's lock.
+    static constexpr int BusyTimeoutMs = 5000;
+
+    // Opens an existing database file; raises a StoreError naming the file when it is missing, is
+    // empty, is a folder or is not a database. `create` is for `quorvel init` and test fixtures.
     void open(bool create = false);
     void close();
     bool connected() const { return db_ != nullptr; }
@@ -61,7 +71,7 @@ public:
     Statement& cached(const std::string& sql);
     std::shared_ptr<Statement> shared(const std::string& sql);
     // The same cache for the system's own statement texts: prepared once from `translate(text)`,
-    // errors naming `text`.
+    // errors naming `text`. A text that holds an engine parameter is refused: nothing binds one.
     std::shared_ptr<Statement> sharedTranslated(const std::string& text,
                                                 std::string (*translate)(std::string_view));
     static constexpr std::size_t CacheBound = 256;
@@ -81,7 +91,12 @@ private:
     std::string fileName_;
     std::string password_;
     bool readOnly_ = false;
+    bool openForReading_ = false;
+    int schemaVersion_ = -1; // -1: not checked
     sqlite3* db_ = nullptr;
+    // The reason a file cannot be opened as a database before the engine sees it, or "".
+    std::string fileProblem() const;
+    void checkSchemaVersion();
     // Most recently used first; the map finds a text's place in the list.
     using CacheList = std::list<std::pair<std::string, std::shared_ptr<Statement>>>;
     std::shared_ptr<Statement> cacheLookup(const std::string& key);
@@ -92,7 +107,9 @@ private:
     std::unordered_map<std::string, std::uint64_t> tableGenerations_;
 };
 
-// A transaction on one database that rolls back unless committed; nests through savepoints.
+// A transaction on one database that rolls back unless committed. The outermost one takes the
+// write lock at its start (waiting the busy timeout for another writer); inner ones are
+// savepoints.
 class Transaction {
 public:
     explicit Transaction(Database& db);
@@ -103,6 +120,7 @@ public:
 
 private:
     Database& db_;
+    bool savepoint_ = false;
     bool done_ = false;
 };
 

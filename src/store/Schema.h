@@ -12,6 +12,8 @@ inline constexpr const char* LocalDatabaseName = "Local";
 inline constexpr const char* LocalSessionName = "Default";
 inline constexpr const char* SharedPassword = "!!zkt47!!";
 inline constexpr const char* PrimaryIndex = "Primary";
+// The schema version (`user_version`) of the local database this module reads and writes.
+inline constexpr int LocalSchemaVersion = 1;
 
 // Tables.
 inline constexpr const char* TemplateName = "TemplateName";

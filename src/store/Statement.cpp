@@ -114,6 +114,8 @@ void Statement::reset() {
 
 bool Statement::readOnly() const { return sqlite3_stmt_readonly(stmt_) != 0; }
 
+int Statement::parameterCount() const { return sqlite3_bind_parameter_count(stmt_); }
+
 int Statement::columnCount() const { return sqlite3_column_count(stmt_); }
 
 std::string Statement::columnName(int index) const {

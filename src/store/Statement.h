@@ -34,6 +34,8 @@ public:
     const std::string& sql() const { return sql_; }
     // True when the statement writes nothing.
     bool readOnly() const;
+    // The engine parameters (`?`, `?1`, `:p`, `@p`, `$p`) the text holds.
+    int parameterCount() const;
 
 private:
     void bindValue(int index, const Value& value, bool copy);

@@ -217,10 +217,10 @@ void Table::buildPlan() {
             return;
         }
     }
+    // The plan is kept only once its first statement is prepared: a broken filter leaves the
+    // table on its previous plan.
+    auto previous = std::move(plan_);
     plan_ = std::make_shared<Plan>();
-    if (plans_.size() >= PlanBound)
-        plans_.pop_back();
-    plans_.emplace_front(key, plan_);
     auto& p = *plan_;
     p.selectFrom = "select _rowid_, * from " + quoteName(tableName_);
     if (filtered_ && !common::trim(filter_).empty())
@@ -242,7 +242,20 @@ void Table::buildPlan() {
     for (int i = 0; i < p.tupleSize; ++i)
         marks += i ? ", ?" : "?";
     marks = "(" + marks + ")";
-    p.first = held(p.selectFrom + whereFilter("") + " order by " + p.order + " limit 1");
+    try {
+        p.first = held(p.selectFrom + whereFilter("") + " order by " + p.order + " limit 1");
+        // Nothing binds values to a filter text: a parameter in it would filter on NULL.
+        if (p.first->parameterCount() > 0)
+            throw StoreError("The filter of table " + tableName_ + " holds an engine parameter " +
+                                 "(?, :name, @name or $name), which nothing binds: " + filter_,
+                             SQLITE_MISUSE);
+    } catch (...) {
+        plan_ = std::move(previous);
+        throw;
+    }
+    if (plans_.size() >= PlanBound)
+        plans_.pop_back();
+    plans_.emplace_front(key, plan_);
     p.lastSql = p.selectFrom + whereFilter("") + " order by " + p.orderDesc + " limit 1";
     p.nextSql =
         p.selectFrom + whereFilter(p.tuple + " > " + marks) + " order by " + p.order + " limit 1";
@@ -663,15 +676,14 @@ void Table::post() {
         for (std::size_t i = 0; i < modified_.size(); ++i)
             if (modified_[i])
                 sets += (sets.empty() ? "" : ", ") + plan_->quoted[i] + " = ?";
-        plan_->update =
-            held("update " + quoteName(tableName_) + " set " + sets + " where _rowid_ = ?");
+        plan_->update = held("update " + quoteName(tableName_) + " set " + sets + whereSameRow());
         plan_->updateColumns = modified_;
     }
     auto& stmt = *plan_->update;
     int index = 1;
     for (auto& v : values)
         stmt.bindBorrowed(index++, v);
-    stmt.bind(index, Value(static_cast<long long>(rowid_)));
+    bindSameRow(stmt, index);
     ++*written_;
     stmt.run();
     if (database_->changes() == 0) {
@@ -680,7 +692,7 @@ void Table::post() {
         modified_.clear();
         setState(DatasetState::Browse);
         notifyDataChanged();
-        throw StoreError("Cannot post to table " + tableName_ +
+        throw StoreError("Record not found: cannot post to table " + tableName_ +
                          ": the record being edited was deleted by another statement");
     }
     std::int64_t rowid = rowid_;
@@ -697,6 +709,21 @@ void Table::post() {
     notifyDataChanged();
 }
 
+std::string Table::whereSameRow() const {
+    // A rowid freed by a delete may be given to a new row: the key read with the row tells the
+    // two apart.
+    std::string where = " where _rowid_ = ?";
+    for (int c : keyColumns_)
+        where += " and " + plan_->quoted[static_cast<std::size_t>(c)] + " is ?";
+    return where;
+}
+
+void Table::bindSameRow(Statement& stmt, int from) {
+    stmt.bind(from++, Value(static_cast<long long>(rowid_)));
+    for (int c : keyColumns_)
+        stmt.bind(from++, row_[static_cast<std::size_t>(c)]);
+}
+
 void Table::deleteRecord() {
     requireActive();
     if (state() == DatasetState::Edit || state() == DatasetState::Insert)
@@ -708,9 +735,9 @@ void Table::deleteRecord() {
     const auto deletedRow = row_;
     const auto deletedRowid = rowid_;
     if (!plan_->deleteRow)
-        plan_->deleteRow = held("delete from " + quoteName(tableName_) + " where _rowid_ = ?");
+        plan_->deleteRow = held("delete from " + quoteName(tableName_) + whereSameRow());
     auto& del = *plan_->deleteRow;
-    del.bind(1, Value(static_cast<long long>(rowid_)));
+    bindSameRow(del, 1);
     ++*written_;
     del.run();
     // Go to the next row, or to the new last row when the last was deleted.
@@ -762,22 +789,32 @@ void Table::insertRecord(const std::vector<Value>& values) {
 
 void Table::appendRecord(const std::vector<Value>& values) { insertRecord(values); }
 
+void Table::applyFilter(const std::string& text, bool on) {
+    const std::string previousText = filter_;
+    const bool previousOn = filtered_;
+    filter_ = text;
+    filtered_ = on;
+    if (!active())
+        return;
+    try {
+        buildPlan();
+    } catch (...) {
+        // A refused filter leaves the table as it was.
+        filter_ = previousText;
+        filtered_ = previousOn;
+        throw;
+    }
+    first();
+}
+
 void Table::setFilter(const std::string& text) {
     settlePendingEdit();
-    filter_ = text;
-    if (active()) {
-        buildPlan();
-        first();
-    }
+    applyFilter(text, filtered_);
 }
 
 void Table::setFiltered(bool on) {
     settlePendingEdit();
-    filtered_ = on;
-    if (active()) {
-        buildPlan();
-        first();
-    }
+    applyFilter(filter_, on);
 }
 
 void Table::refilter(const std::string& text) {
@@ -788,10 +825,7 @@ void Table::refilter(const std::string& text) {
         return;
     }
     settlePendingEdit();
-    filter_ = text;
-    filtered_ = true;
-    buildPlan();
-    first();
+    applyFilter(text, true);
 }
 
 Bookmark Table::getBookmark() const {

@@ -80,6 +80,12 @@ private:
     void buildPlan();
     void forgetPlans();
     std::string whereFilter(const std::string& extra) const;
+    // Sets the filter text and switch and moves to the first row; a filter that cannot be used
+    // raises and leaves both as they were.
+    void applyFilter(const std::string& text, bool on);
+    // The condition that finds the current row: its rowid and the key it was read with.
+    std::string whereSameRow() const;
+    void bindSameRow(Statement& stmt, int from);
     // Loads the row found by `stmt` (already stepped); false when there was none.
     bool loadRow(Statement& stmt);
     bool readByRowid(std::int64_t rowid);

@@ -24,12 +24,14 @@ TDBGrid::~TDBGrid() {
         source_->removeLink(this);
 }
 
-void TDBGrid::setColumns(std::vector<std::string> columns) {
+void TDBGrid::setColumns(std::vector<std::string> columns, const QStringList& captions) {
     columns_ = std::move(columns);
     setColumnCount(static_cast<int>(columns_.size()));
     QStringList labels;
-    for (const auto& c : columns_)
-        labels << QString::fromStdString(c);
+    for (std::size_t c = 0; c < columns_.size(); ++c)
+        labels << (c < static_cast<std::size_t>(captions.size())
+                       ? captions[static_cast<qsizetype>(c)]
+                       : QString::fromStdString(columns_[c]));
     setHorizontalHeaderLabels(labels);
 }
 

@@ -20,8 +20,9 @@ public:
     explicit TDBGrid(QWidget* parent = nullptr);
     ~TDBGrid() override;
 
-    // The columns shown, by column name; the first one is the table's key.
-    void setColumns(std::vector<std::string> columns);
+    // The columns shown, by column name; the first one is the table's key. The header shows
+    // `captions` where given, else the column names.
+    void setColumns(std::vector<std::string> columns, const QStringList& captions = {});
     void setDataSource(store::DataSource* source);
     store::DataSource* dataSource() const { return source_; }
     bool bound() const { return source_ != nullptr; }

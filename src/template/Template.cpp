@@ -43,8 +43,9 @@ std::vector<QIcon> makeImages() {
     return icons;
 }
 
-QPushButton* button(const char* caption, const char* hint, QWidget* parent) {
+QPushButton* button(const char* name, const char* caption, const char* hint, QWidget* parent) {
     auto* b = new QPushButton(QString::fromUtf8(caption), parent);
+    b->setObjectName(name);
     b->setToolTip(QString::fromUtf8(hint));
     b->setAutoDefault(false);
     return b;
@@ -66,36 +67,43 @@ TdlgTemplate::~TdlgTemplate() = default;
 void TdlgTemplate::buildControls() {
     dbeTemplateName = new dialogs::TDBEdit(this);
     dbeTemplateName->setObjectName("dbeTemplateName");
-    btnCopyTemplate = button("Copy an Existing Template", "Copy an Existing Template", this);
+    // Room for a readable name even at the dialog's smallest size.
+    dbeTemplateName->setMinimumWidth(dbeTemplateName->fontMetrics().averageCharWidth() * 24);
+    btnCopyTemplate =
+        button("btnCopyTemplate", "Copy an Existing Template", "Copy an Existing Template", this);
     txtPieceCount = new QLabel(this);
+    txtPieceCount->setObjectName("txtPieceCount");
     pnlMachineType = new QLabel("FANUC", this);
+    pnlMachineType->setObjectName("pnlMachineType");
     pnlMachineType->setFrameStyle(QFrame::Panel | QFrame::Sunken);
     tvwTemplate = new tree::TTreeView(this);
     tvwTemplate->setObjectName("tvwTemplate");
     tree::SetImageList(tvwTemplate, makeImages());
     dbgCommands = new TDBGrid(this);
     dbgCommands->setObjectName("dbgCommands");
-    dbgCommands->setColumns({schema::Code, schema::Short_Desc});
+    dbgCommands->setColumns({schema::Code, schema::Short_Desc}, {"Code", "Description"});
     dbmDesc = new dialogs::TDBMemo(this);
+    dbmDesc->setObjectName("dbmDesc");
     dbmDesc->setReadOnly(true);
-    btnAdd = button("Add", "Add Command", this);
+    btnAdd = button("btnAdd", "Add", "Add Command", this);
     btnAdd->setDefault(true);
-    btnUp = button("Move Up", "Move Up", this);
-    btnDown = button("Move Down", "Move Down", this);
-    btnExpand = button("Expand All", "Expand All", this);
-    btnCollapse = button("Collapse All", "Collapse All", this);
-    btnCut = button("Cut", "Cut", this);
-    btnCopy = button("Copy", "Copy", this);
-    btnPaste = button("Paste", "Paste", this);
-    btnDelete = button("Delete", "Delete", this);
-    btnOK = button("OK", "Accept Changes", this);
+    btnUp = button("btnUp", "Move Up", "Move Up", this);
+    btnDown = button("btnDown", "Move Down", "Move Down", this);
+    btnExpand = button("btnExpand", "Expand All", "Expand All", this);
+    btnCollapse = button("btnCollapse", "Collapse All", "Collapse All", this);
+    btnCut = button("btnCut", "Cut", "Cut", this);
+    btnCopy = button("btnCopy", "Copy", "Copy", this);
+    btnPaste = button("btnPaste", "Paste", "Paste", this);
+    btnDelete = button("btnDelete", "Delete", "Delete", this);
+    btnOK = button("btnOK", "OK", "Accept Changes", this);
     btnOK->setEnabled(false);
-    btnCancel = button("Cancel", "Cancel Changes", this);
+    btnCancel = button("btnCancel", "Cancel", "Cancel Changes", this);
     pnlPlugins = new QFrame(this);
     pnlPlugins->setObjectName("pnlPlugins");
     auto* pluginLayout = new QHBoxLayout(pnlPlugins); // plug-ins may add their controls to it
     pluginLayout->setContentsMargins(0, 0, 0, 0);
     Timer = new QTimer(this);
+    Timer->setObjectName("Timer");
     Timer->setInterval(1500);
 
     auto* head = new QHBoxLayout;

@@ -3,17 +3,16 @@
 #include "store/DataMod.h"
 #include "template/Template.h"
 
-#include <QMetaObject>
 #include <QTimer>
 
 #include <string>
 
 namespace {
 
-// Whether the object's class, or one of its ancestors, is named `name`.
-bool inheritsClassNamed(const QObject* object, const char* name) {
-    for (const QMetaObject* m = object ? object->metaObject() : nullptr; m; m = m->superClass())
-        if (qstrcmp(m->className(), name) == 0)
+// Whether `node` is `ancestor` or stands anywhere below it.
+bool inSubtree(const QTreeWidgetItem* node, const QTreeWidgetItem* ancestor) {
+    for (; node; node = node->parent())
+        if (node == ancestor)
             return true;
     return false;
 }
@@ -82,24 +81,34 @@ void TdlgTemplate::btnDownClick(QObject* Sender) {
     UpdateButtons();
 }
 
+// Only this form's command list and tree are drag sources; a drag from anywhere else (another
+// program's file or text, another form) is refused. A node never drops into its own subtree.
 bool TdlgTemplate::tvwTemplateDragOver(QObject* Source, const QPoint& pos) {
-    if (inheritsClassNamed(Source, "TDBGrid"))
+    if (Source == dbgCommands)
         return tvwTemplate->itemAt(pos) != nullptr;
+    if (Source != tvwTemplate)
+        return false;
     QTreeWidgetItem* selected = selectedNode();
-    return selected && tree::NodeLevel(selected) > 0;
+    if (!selected || tree::NodeLevel(selected) <= 0)
+        return false;
+    QTreeWidgetItem* target = tvwTemplate->itemAt(pos);
+    return !target || target == selected || !inSubtree(target, selected);
 }
 
 void TdlgTemplate::tvwTemplateDragDrop(QObject* Sender, QObject* Source, const QPoint& pos) {
     QTreeWidgetItem* target = tvwTemplate->itemAt(pos);
     QTreeWidgetItem* selected = selectedNode();
-    if (inheritsClassNamed(Source, "TDBGrid")) {
+    if (Source != dbgCommands && Source != tvwTemplate)
+        return;
+    if (Source == dbgCommands) {
         // A command from the list: added at the target as by the Add button, which journals it.
         tree::Select(tvwTemplate, target);
         btnAddClick();
         tree::Select(tvwTemplate, selected);
         return;
     }
-    if (!target || !selected)
+    // Moving the node below one of its own sub-items would put it inside itself.
+    if (!target || !selected || (target != selected && inSubtree(target, selected)))
         return;
     const int from = tree::AbsoluteIndex(selected);
     if (tree::NodeLevel(target) == 0) {

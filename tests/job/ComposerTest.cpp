@@ -161,6 +161,16 @@ TEST(Composer, UnusableMasksRaiseErrorsNamingTheMask) {
     EXPECT_EQ(composeError("X%d"), "");
 }
 
+TEST(Composer, StringWidthAndPrecisionCountCharactersNotBytes) {
+    expectLines({
+        {"(%-6s)", 1, "", {"\u00e9t\u00e9"}, "(\u00e9t\u00e9   )"},
+        {"(%6s)", 1, "", {"\u00e9t\u00e9"}, "(   \u00e9t\u00e9)"},
+        {"(%.1s)", 1, "", {"\u00e9t\u00e9"}, "(\u00e9)"},
+        {"(%-4.2s)", 1, "", {"\u20acx!"}, "(\u20acx  )"},
+        {"(%.9s)", 1, "", {"\u00e9t\u00e9"}, "(\u00e9t\u00e9)"},
+    });
+}
+
 // ComposeScriptLine reads the current Syntax row and the six value boxes of the current job row.
 class ComposeScriptLineTest : public jobtest::JobFixture {
 protected:
@@ -221,4 +231,23 @@ TEST_F(ComposeScriptLineTest, AnEmptyMaskNamesTheSyntaxRow) {
         EXPECT_NE(std::string(e.what()).find("Syntax BAD item 1"), std::string::npos) << e.what();
     }
     EXPECT_EQ(jobField(9, "Script_Line"), "G92 X+10.000 Y+5.000");
+}
+
+TEST_F(ComposeScriptLineTest, AValueBoxTakesAValueLongerThanALineEditsDefaultLimit) {
+    cell.run("Quorvel.db", "insert into Syntax values ('TXT', 1, 'ALL', 'TXT', 1, '(%s)', 'x', "
+                           "0, 0, 0, 0, 0, 0);");
+    const std::string value(40000, 'A');
+    onLine(9);
+    onSyntax("TXT", 1);
+    form->dbeValue1->setText(QString::fromStdString(value));
+    EXPECT_EQ(form->dbeValue1->text().size(), 40000);
+    EXPECT_EQ(form->ComposeScriptLine(false).size(), value.size() + 2);
+    // A value that the row holds is shown whole.
+    auto& jobs = DM().tableJobs;
+    jobs.edit();
+    jobs.fieldByName("Value_2").setAsString(value + "B");
+    jobs.post();
+    onLine(16);
+    onLine(9);
+    EXPECT_EQ(form->dbeValue2->text().size(), 40001);
 }

@@ -115,3 +115,27 @@ TEST_F(UpdateTest, SingleLineOperationsAndTheirEdges) {
     EXPECT_EQ(jobField(21, "Value_6"), "op10");
     EXPECT_EQ(jobField(9, "Value_6"), "op11");
 }
+
+TEST_F(UpdateTest, EveryReplayedWorkpieceAddCountsWhenItIsReplayed) {
+    auto q = DM().NewLocalQuery();
+    q->setSql("select count(*) from Jobs where Pallet_Number = 7 and Job_Number = 1 and "
+              "Code = 'WRK'");
+    q->open();
+    const int built = q->fields(0).asInteger();
+    ASSERT_GT(built, 0);
+    journal(2, 9, "ADD", "WRK", 0); // takes the next number ...
+    journal(2, 9, "DEL", "", 1);    // ... and is deleted again
+    journal(2, 12, "ADD", "WRK", 0);
+    journal(2, 14, "ADD", "G00", 1); // a command line counts nothing
+    journal(2, 5, "ADD", "WRK", 0);  // made last, stands first
+    form->UpdateJobFromJournal(1);
+    const std::string second = "Workpiece" + std::to_string(built + 2);
+    const std::string third = "Workpiece" + std::to_string(built + 3);
+    EXPECT_EQ(jobField(13, "Code"), "WRK");
+    EXPECT_EQ(jobField(13, "Value_1"), second);
+    EXPECT_EQ(jobField(13, "Script_Line"), "(WORKPIECE" + std::to_string(built + 2) + ")");
+    EXPECT_EQ(jobField(5, "Value_1"), third);
+    // A later insert goes on from the counter as the replay left it.
+    form->InsertJobLine(20, "WRK", 0);
+    EXPECT_EQ(jobField(20, "Value_1"), "Workpiece" + std::to_string(built + 4));
+}

@@ -5,6 +5,7 @@
 #include "support/CellFixture.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 using store::Database;
 using store::Query;
@@ -49,6 +50,57 @@ TEST_F(QueryTest, SecondStatementIsRefusedAndNothingRuns) {
     q.setSql("delete from T where B = 'x'; --");
     q.execSQL(); // a trailing comment is not a statement
     EXPECT_EQ(q.rowsAffected(), 1);
+}
+
+TEST_F(QueryTest, EngineParametersAreRefusedAndNothingRuns) {
+    Query q(db);
+    for (const char* text :
+         {"delete from T where A = ?", "delete from T where A = ?1", "delete from T where B = :b",
+          "delete from T where B = @b", "delete from T where B = $b"}) {
+        q.setSql(text);
+        const auto error = message([&] { q.execSQL(); });
+        EXPECT_NE(error.find(std::string("nothing was run of: ") + text), std::string::npos)
+            << error;
+    }
+    q.setSql("select * from T where B = ?");
+    EXPECT_NE(message([&] { q.open(); }).find("parameter"), std::string::npos);
+    EXPECT_FALSE(q.active());
+    // Marks inside a literal are text.
+    q.setSql("select count(*) from T where B <> '?' and B <> ':b'");
+    q.open();
+    EXPECT_EQ(q.fields(0).asInteger(), 1);
+    q.setSql("select count(*) from T");
+    q.open();
+    EXPECT_EQ(q.fields(0).asInteger(), 2);
+}
+
+TEST_F(QueryTest, OutermostTransactionTakesTheWriteLockAtItsStart) {
+    Database other("Local", "Default");
+    other.setFileName(dir.file("q.db"));
+    other.open();
+    sqlite3_busy_timeout(other.handle(), 0);
+    {
+        store::Transaction tx(db);
+        // A second writer finds the lock taken at once (and waits the busy timeout for it).
+        try {
+            other.execute("insert into T values (3, 'other')");
+            FAIL() << "expected the write lock to be held";
+        } catch (const StoreError& e) {
+            EXPECT_EQ(e.engineCode() & 0xff, SQLITE_BUSY) << e.what();
+        }
+        {
+            store::Transaction inner(db);
+            db.execute("delete from T where A = 2");
+        }
+        db.execute("delete from T where A = 1");
+        tx.commit();
+    }
+    // The inner rollback undid only its own change; the other connection may write again.
+    other.execute("insert into T values (3, 'other')");
+    Query q(db);
+    q.setSql("select group_concat(A) from T");
+    q.open();
+    EXPECT_EQ(q.fields(0).asString(), "2,3");
 }
 
 TEST_F(QueryTest, LinesJoinAndResultsReadWithNullDefaults) {

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 using store::Database;
 using store::Query;
 using store::StoreError;
@@ -265,6 +267,74 @@ TEST_F(TableTest, EditPostWritesChangedColumnsAndFollowsKey) {
     count.setSql("select count(*) from Jobs where Code = 'LOST'");
     count.open();
     EXPECT_EQ(count.fields(0).asInteger(), 0);
+}
+
+TEST_F(TableTest, PostAndDeleteNeverReachARowThatReusedTheRowid) {
+    Table t(db, "Jobs");
+    t.open();
+    t.setIndexName("Primary");
+    addLines(t, 1, 1, 3);
+    Query q(db);
+    // The last row is deleted behind the cursor and its rowid given to a new row.
+    const auto reuseLastRowid = [&] {
+        q.setSql("delete from Jobs where Line_Number = 2");
+        q.execSQL();
+        q.setSql("insert into Jobs (Pallet_Number, Job_Number, Line_Number, Code) "
+                 "values (1, 1, 7, 'NEW')");
+        q.execSQL();
+    };
+    const auto codeOfLine7 = [&] {
+        Query read(db);
+        read.setSql("select Code from Jobs where Line_Number = 7");
+        read.open();
+        return read.eof() ? std::string("(gone)") : read.fields(0).asString();
+    };
+    t.findKey({1, 1, 2});
+    t.edit();
+    t.fieldByName("Code").setAsString("LOST");
+    reuseLastRowid();
+    try {
+        t.post();
+        FAIL() << "expected a store error";
+    } catch (const StoreError& e) {
+        EXPECT_NE(std::string(e.what()).find("Record not found"), std::string::npos) << e.what();
+        EXPECT_NE(std::string(e.what()).find("Jobs"), std::string::npos) << e.what();
+    }
+    EXPECT_EQ(codeOfLine7(), "NEW");
+
+    q.setSql("delete from Jobs where Line_Number = 7");
+    q.execSQL();
+    t.appendRecord({1, 1, 2, "C2"});
+    t.findKey({1, 1, 2});
+    reuseLastRowid();
+    t.deleteRecord();
+    EXPECT_EQ(codeOfLine7(), "NEW");
+}
+
+TEST_F(TableTest, FilterWithAnEngineParameterIsRefusedAndChangesNothing) {
+    Table t(db, "Jobs");
+    t.open();
+    t.setIndexName("Primary");
+    addLines(t, 1, 1, 3);
+    t.setFilter("Code = ?");
+    for (const auto& attempt : std::vector<std::function<void()>>{
+             [&] { t.setFiltered(true); }, [&] { t.refilter("Line_Number = :line"); },
+             [&] { t.refilter("Code = @code"); }, [&] { t.refilter("Code = $code or 1"); }}) {
+        try {
+            attempt();
+            FAIL() << "expected a store error";
+        } catch (const StoreError& e) {
+            EXPECT_NE(std::string(e.what()).find("filter of table Jobs"), std::string::npos)
+                << e.what();
+        }
+        // The table stays unfiltered and usable.
+        EXPECT_FALSE(t.filtered());
+        EXPECT_EQ(t.recordCount(), 3);
+        EXPECT_EQ(walkLines(t), (std::vector<int>{0, 1, 2}));
+    }
+    // Marks inside literals and bracketed names are no parameters.
+    t.refilter("Code <> '?' and [Code] <> ':p'");
+    EXPECT_EQ(t.recordCount(), 3);
 }
 
 TEST_F(TableTest, IntegerPrimaryKeyChangeMovesCursor) {

@@ -2,6 +2,10 @@
 // states, the incremental search and the copy of a template.
 #include "TemplateFixture.h"
 
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMimeData>
 #include <QTimer>
 
 #include <memory>
@@ -139,6 +143,70 @@ TEST_F(EditTest, DropsFromTheListAddAndDropsOfNodesMove) {
     EXPECT_EQ(tree::AbsoluteIndex(g90), 12);
     // Table order: the unnumbered rows of a version come before the numbered ones.
     EXPECT_EQ(journal(1), (std::vector<std::string>{"2|0|2|MOV|8|1", "2|1|4|ADD|ACK|1"}));
+    dlg().hide();
+}
+
+TEST_F(EditTest, RefusesDropsIntoTheNodesOwnSubtreeAndFromOtherSources) {
+    open();
+    dlg().resize(900, 1400);
+    dlg().show();
+    tree::ExpandAll(tv());
+    auto point = [&](int i) {
+        return tv()->visualItemRect(tree::FindNodeByIndex(tv(), i)).center();
+    };
+    const auto before = outline(tv());
+
+    // G92 (9) onto its own UV (10): nothing moves, nothing is journalled.
+    selectAt(9);
+    QTreeWidgetItem* g92 = tree::Selected(tv());
+    ASSERT_EQ(tree::NodeText(g92), "G92");
+    EXPECT_FALSE(dlg().tvwTemplateDragOver(tv(), point(10)));
+    dlg().tvwTemplateDragDrop(tv(), tv(), point(10));
+    EXPECT_EQ(outline(tv()), before);
+    EXPECT_EQ(tree::NodeText(g92->child(0)), "UV");
+
+    // A text from another program: no source widget. Neither a move nor a journal row.
+    selectAt(2);
+    QMimeData text;
+    text.setText("G90");
+    QDropEvent drop(QPointF(point(12)), Qt::CopyAction | Qt::MoveAction, &text, Qt::LeftButton,
+                    Qt::NoModifier);
+    QCoreApplication::sendEvent(tv()->viewport(), &drop);
+    // Widgets of this form other than the tree and the list, and any other grid, are no source.
+    QLabel stranger;
+    TDBGrid otherGrid;
+    for (QObject* source : {static_cast<QObject*>(&stranger), static_cast<QObject*>(&otherGrid),
+                            static_cast<QObject*>(dlg().btnAdd)}) {
+        EXPECT_FALSE(dlg().tvwTemplateDragOver(source, point(12)));
+        dlg().tvwTemplateDragDrop(tv(), source, point(12));
+    }
+    EXPECT_EQ(outline(tv()), before);
+    EXPECT_EQ(tree::AbsoluteIndex(tree::Selected(tv())), 2);
+    EXPECT_TRUE(journal(1).empty());
+    EXPECT_FALSE(dlg().Modified());
+    dlg().hide();
+}
+
+TEST_F(EditTest, ControlsCarryTheirNamesAndStayReadableAtTheSmallestSize) {
+    const char* names[] = {"dbeTemplateName", "btnCopyTemplate", "txtPieceCount", "pnlMachineType",
+                           "tvwTemplate",     "dbgCommands",     "dbmDesc",       "btnAdd",
+                           "btnUp",           "btnDown",         "btnExpand",     "btnCollapse",
+                           "btnCut",          "btnCopy",         "btnPaste",      "btnDelete",
+                           "btnOK",           "btnCancel",       "pnlPlugins"};
+    for (const char* name : names)
+        EXPECT_NE(dlg().findChild<QWidget*>(name), nullptr) << name;
+    EXPECT_EQ(dlg().findChild<QWidget*>("btnPaste"), dlg().btnPaste);
+    EXPECT_EQ(dlg().findChild<QTimer*>("Timer"), dlg().Timer);
+
+    EXPECT_EQ(dlg().dbgCommands->horizontalHeaderItem(0)->text(), "Code");
+    EXPECT_EQ(dlg().dbgCommands->horizontalHeaderItem(1)->text(), "Description");
+
+    open();
+    dlg().show();
+    dlg().resize(dlg().minimumSizeHint());
+    QCoreApplication::processEvents();
+    const int letter = dlg().dbeTemplateName->fontMetrics().averageCharWidth();
+    EXPECT_GE(dlg().dbeTemplateName->width(), 20 * letter);
     dlg().hide();
 }
 
