@@ -1,5 +1,6 @@
 #include "TemplateCommands.h"
 
+#include "CellCommands.h"
 #include "CellSession.h"
 #include "Console.h"
 #include "boundary/Exports.h"
@@ -91,6 +92,10 @@ std::optional<int> TemplateCommands::run(int argc, char** argv) {
         return 0;
     }
     if (*new_) {
+        if (!FixtureListed(fixture_))
+            throw std::runtime_error("the fixture '" + fixture_ +
+                                     "' is not in the cell's fixture list (quorvel fixtures "
+                                     "lists them)");
         std::string name;
         boundary::NewTemplate(fixture_, workpieces_, name);
         if (name.empty()) {

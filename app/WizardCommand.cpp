@@ -82,7 +82,11 @@ WizardCommand::WizardCommand(CLI::App& cli, std::string& cellDir) : cellDir_(cel
         "job", "Open a pallet's job in the job wizard, as a host does: in a window, unattended, "
                "or driven by a script of operator actions without a window");
     job_->add_option("--cell", cellDir_, "Cell directory")->capture_default_str();
-    job_->add_option("--pallet", pallet_, "Pallet number")->required();
+    job_->add_option("--pallet", pallet_, "Pallet number (required)");
+    delete_ = job_->add_subcommand("delete", "Delete a pallet's job (its lines), as a host does");
+    delete_->add_option("--cell", cellDir_, "Cell directory")->capture_default_str();
+    delete_->add_option("--pallet", pallet_, "Pallet number")->required();
+    delete_->add_option("--job", job_number_, "Job number")->capture_default_str();
     job_->add_option("--job", job_number_, "Job number")->capture_default_str();
     job_->add_option("--template", templateId_, "Template id")->capture_default_str();
     job_->add_flag("--unattended", unattended_,
@@ -111,18 +115,28 @@ WizardCommand::WizardCommand(CLI::App& cli, std::string& cellDir) : cellDir_(cel
 std::optional<int> WizardCommand::run(int argc, char** argv) {
     if (!*job_)
         return std::nullopt;
-    const auto pallet = common::tryStrToInt(pallet_);
-    if (!pallet || *pallet < std::numeric_limits<std::int16_t>::min() ||
-        *pallet > std::numeric_limits<std::int16_t>::max()) {
-        std::cerr << "quorvel job: the pallet '" << pallet_
-                  << "' is not a number from -32768 to 32767\n";
-        return 1;
+    if (pallet_.empty()) {
+        std::cerr << "quorvel job: --pallet is required\n";
+        return 2;
     }
-    if (job_number_ < std::numeric_limits<std::int16_t>::min() ||
-        job_number_ > std::numeric_limits<std::int16_t>::max()) {
-        std::cerr << "quorvel job: the job " << job_number_
-                  << " is not a number from -32768 to 32767\n";
-        return 1;
+    // As a host, quorvel numbers pallets and jobs from 1 (the module itself takes any 16-bit
+    // number from other hosts).
+    const auto pallet = common::tryStrToInt(pallet_);
+    if (!pallet || *pallet < 1 || *pallet > std::numeric_limits<std::int16_t>::max()) {
+        std::cerr << "quorvel job: the pallet '" << pallet_ << "' is not a number from 1 to "
+                  << std::numeric_limits<std::int16_t>::max() << "\n";
+        return 2;
+    }
+    if (job_number_ < 1 || job_number_ > std::numeric_limits<std::int16_t>::max()) {
+        std::cerr << "quorvel job: the job " << job_number_ << " is not a number from 1 to "
+                  << std::numeric_limits<std::int16_t>::max() << "\n";
+        return 2;
+    }
+    if (*delete_) {
+        CellSession session(cellDir_);
+        boundary::DeleteJob(std::to_string(*pallet), std::to_string(job_number_));
+        std::cout << "Deleted the job " << job_number_ << " of pallet " << *pallet << '\n';
+        return 0;
     }
     std::vector<std::string> script;
     if (!script_.empty())

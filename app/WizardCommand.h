@@ -19,6 +19,7 @@ public:
 private:
     std::string& cellDir_;
     CLI::App* job_;
+    CLI::App* delete_;
     std::string pallet_;
     int job_number_ = 1;
     int templateId_ = 1;

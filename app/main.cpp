@@ -1,4 +1,5 @@
 // quorvel: the stand-alone host of the FANUC Robocut machine module.
+#include "CellCommands.h"
 #include "Commands.h"
 #include "CopyCommand.h"
 #include "JobCommands.h"
@@ -35,6 +36,7 @@ int main(int argc, char** argv) {
     app::TemplateCommands templateCommands(cli, cellDir);
     app::WizardCommand wizardCommand(cli, cellDir);
     app::CopyCommand copyCommand(cli);
+    app::CellCommands cellCommands(cli, cellDir);
 
     // Exit codes: 0 done, 1 the work failed, 2 the command line is wrong.
     try {
@@ -61,6 +63,8 @@ int main(int argc, char** argv) {
             return app::runInit(cellDir, force, empty);
         if (*templates)
             return app::runTemplates(cellDir, fixture, templates->count("--fixture") > 0);
+        if (auto code = cellCommands.run())
+            return *code;
         if (auto code = jobCommands.run())
             return *code;
         if (auto code = templateCommands.run(argc, argv))

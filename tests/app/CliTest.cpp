@@ -131,3 +131,18 @@ TEST(QuorvelCli, CopyWithoutWindowPrintsTheCopiedNames) {
     EXPECT_FALSE(std::filesystem::exists(to.file("O1.NC")));
     EXPECT_NE(quorvel("copy --no-window '" + from.str() + "'").exitCode, 0);
 }
+
+TEST(QuorvelCli, TheCellsFixturesAndJobsAsAHostSeesThem) {
+    testsupport::TempDir dir;
+    const std::string cell = " --cell '" + dir.str() + "/cell'";
+    ASSERT_EQ(quorvel("init" + cell).exitCode, 0);
+    auto run = quorvel("fixtures" + cell);
+    EXPECT_EQ(run.output.rfind("FX-100\t", 0), 0u) << run.output;
+    EXPECT_EQ(quorvel("template new --fixture NO-SUCH --accept --name N" + cell).exitCode, 1);
+
+    ASSERT_EQ(quorvel("build --pallet 7" + cell).exitCode, 0);
+    run = quorvel("jobs" + cell);
+    EXPECT_NE(run.output.find("\n7\t1\t-\t"), std::string::npos) << run.output;
+    EXPECT_EQ(quorvel("job delete --pallet 7" + cell).exitCode, 0);
+    EXPECT_EQ(quorvel("jobs" + cell).output, "Pallet\tJob\tTemplate\tFinished\tProgram\n");
+}
