@@ -30,8 +30,11 @@ std::optional<int> CellCommands::run() {
 
 bool FixtureListed(const std::string& fixture) {
     auto query = DM().NewSharedQuery();
-    query->setSql(
-        common::format("select count(*) from FixtureList where Part_Number = '%s'", {fixture}));
+    // The name goes into the statement as a quoted text, whatever it holds.
+    std::string quoted;
+    for (const char c : fixture)
+        quoted += c == '\'' ? std::string("''") : std::string(1, c);
+    query->setSql("select count(*) from FixtureList where Part_Number = '" + quoted + "'");
     query->open();
     return query->fields(0).asInteger() > 0;
 }

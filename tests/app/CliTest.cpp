@@ -138,7 +138,9 @@ TEST(QuorvelCli, TheCellsFixturesAndJobsAsAHostSeesThem) {
     ASSERT_EQ(quorvel("init" + cell).exitCode, 0);
     auto run = quorvel("fixtures" + cell);
     EXPECT_EQ(run.output.rfind("FX-100\t", 0), 0u) << run.output;
-    EXPECT_EQ(quorvel("template new --fixture NO-SUCH --accept --name N" + cell).exitCode, 1);
+    run = quorvel("template new --fixture \"FX'300\" --accept --name N" + cell);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_NE(run.output.find("not in the cell's fixture list"), std::string::npos) << run.output;
 
     ASSERT_EQ(quorvel("build --pallet 7" + cell).exitCode, 0);
     run = quorvel("jobs" + cell);
