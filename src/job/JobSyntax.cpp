@@ -7,6 +7,8 @@
 #include "common/Format.h"
 #include "dialogs/EventsGuard.h"
 #include "store/DataMod.h"
+#include "store/Database.h"
+#include "store/Statement.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -57,6 +59,35 @@ void seekSyntax(const SyntaxKey& key) { syntax().findNearest({key.code, key.item
 
 // Seeks the Syntax row of the current Jobs row's Code and Syntax_Item.
 void seekRowSyntax() { syntax().findNearest({jobText(schema::Code), jobInt(schema::Syntax_Item)}); }
+
+// Whether a job row continues into the next one, as IsLineContinued answers for the current row,
+// read past the job's cursor: the bound boxes do not follow a look at a neighbour. Moves the
+// Syntax cursor as IsLineContinued does.
+bool rowContinued(int pallet, int job, int line) {
+    auto& stmt = DM().LocalDatabase.cached(
+        "select Node_Level, Code, Syntax_Item, Value_1, Value_2, Value_3, Value_4, Value_5, "
+        "Value_6 from Jobs where Pallet_Number = ? and Job_Number = ? and Line_Number = ?");
+    stmt.bind(1, store::Value(pallet));
+    stmt.bind(2, store::Value(job));
+    stmt.bind(3, store::Value(line));
+    struct ResetAfter {
+        store::Statement& s;
+        ~ResetAfter() { s.reset(); }
+    } resetAfter{stmt};
+    if (!stmt.step() || stmt.columnInteger(0) == 0)
+        return false;
+    const store::Value code = stmt.column(1);
+    syntax().findNearest(
+        {code.isText() ? code.text() : std::string(), static_cast<int>(stmt.columnInteger(2))});
+    const int count =
+        TdlgJob::CountFormatSpecs(syntax().fieldByName(schema::Mask).asString(), false);
+    // The value after the mask's own values is the flag; a seventh column does not exist, and
+    // asking for it fails as it does on the cursor.
+    if (count >= 6)
+        return jobs().fieldByName("Value_" + std::to_string(count + 1)).asString() == "1";
+    const store::Value flag = stmt.column(3 + count);
+    return (flag.isText() && flag.text() == "1") || (flag.isInteger() && flag.integer() == 1);
+}
 
 void setPageCaption(QTabWidget* pages, QWidget* page, const char* caption) {
     pages->setTabText(pages->indexOf(page), caption);
@@ -307,11 +338,15 @@ void TdlgJob::ComposeJoinedLine() {
     auto& table = jobs();
 
     // Back to the first row of the chain: the first row before that is not continued, plus one.
+    // The rows before are looked at past the cursor, which moves only when the chain starts
+    // earlier.
     SyncJobRow(selected);
-    table.prior();
-    while (!table.bof() && IsLineContinued())
-        table.prior();
-    table.next();
+    const int selectedLine = jobInt(schema::Line_Number);
+    int firstLine = selectedLine;
+    while (firstLine > 0 && rowContinued(FPalletNumber, FJobNumber, firstLine - 1))
+        --firstLine;
+    if (firstLine != selectedLine)
+        table.findNearest({FPalletNumber, FJobNumber, firstLine});
     const store::Bookmark first = table.getBookmark();
 
     for (;;) {
