@@ -5,14 +5,33 @@
 #include "common/Services.h"
 #include "machine/Focus1Comm.h"
 #include "store/DataMod.h"
+#include "store/StoreError.h"
 #include "template/DeleteTemplate.h"
 #include "template/Template.h"
 #include "template/TemplatePlugins.h"
+
+#include <functional>
 
 #include <filesystem>
 #include <system_error>
 
 namespace boundary {
+
+namespace {
+
+// Runs a statement that holds a fixture name as it stands; a name that breaks the statement is
+// named before the engine's words.
+void withFixture(const std::string& fixture, const std::function<void()>& run) {
+    try {
+        run();
+    } catch (const store::StoreError& e) {
+        throw store::StoreError("The fixture name " + fixture +
+                                    " cannot be used in a statement: " + e.what(),
+                                e.engineCode());
+    }
+}
+
+} // namespace
 
 namespace {
 bool& loaded() {
@@ -60,9 +79,12 @@ void LoadTemplateNames(const std::string& fixture, TStringList& list, bool byFix
     list.Add("(New)", std::make_unique<TLinkInfo>());
     auto query = DM().NewLocalQuery();
     query->setSql("select * from TemplateName");
-    if (byFixture)
+    if (byFixture) {
         query->addLine(common::format("where Fixture = '%s'", {fixture}));
-    query->open();
+        withFixture(fixture, [&] { query->open(); });
+    } else {
+        query->open();
+    }
     while (!query->eof()) {
         auto link = std::make_unique<TLinkInfo>();
         link->TemplateId = query->fieldByName(schema::Template_ID).asInteger();
@@ -125,7 +147,7 @@ void NewTemplate(const std::string& fixture, std::int32_t workpieces, std::strin
         query->close();
         query->setSql(common::format("insert into TemplateName values(%d, '%s', '', 1, False)",
                                      {id, fixture}));
-        query->execSQL();
+        withFixture(fixture, [&] { query->execSQL(); });
     }
     form.LoadTemplate(workpieces, id);
     if (common::ui().showModal(&form) == common::ModalResult::Ok) {

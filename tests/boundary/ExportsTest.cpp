@@ -128,6 +128,8 @@ TEST_F(ExportsTest, TemplateNamesAndLookups) {
 
     // A quote in the fixture breaks the statement: a clear error naming it, nothing changed.
     auto text = storeError([&] { boundary::LoadTemplateNames("O'Brien", list, true); });
+    EXPECT_EQ(text.rfind("The fixture name O'Brien cannot be used in a statement: ", 0), 0u)
+        << text;
     EXPECT_NE(text.find("where Fixture = 'O'Brien'"), std::string::npos) << text;
     text = storeError(
         [&] { boundary::LoadTemplateNames("x'; delete from TemplateName; --", list, true); });
