@@ -37,7 +37,9 @@ TemplateCommands::TemplateCommands(CLI::App& cli, std::string& cellDir) : cellDi
         ->capture_default_str();
 
     modify_ = template_->add_subcommand("modify", "Edit an existing template");
-    modify_->add_option("--id", templateId_, "Template id")->required()->check(CLI::PositiveNumber);
+    modify_->add_option("--id", templateId_, "Template id")
+        ->required()
+        ->check(CLI::Range(1, 32767));
     modify_->add_option("--workpieces", workpieces_, "Number of workpieces shown")
         ->check(CLI::Range(1, 100))
         ->capture_default_str();

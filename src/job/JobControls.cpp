@@ -144,6 +144,8 @@ void TdlgJob::buildProgramTab() {
     cmbMachines->setGeometry(12, 94, 300, 26);
     lstPrograms = named(new QListWidget(tabProgram), "lstPrograms");
     lstPrograms->setGeometry(12, 126, 300, 230);
+    // Program numbers and comments stand in columns.
+    lstPrograms->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
 }
 
 void TdlgJob::buildOptionsTab() {

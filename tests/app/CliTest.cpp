@@ -65,6 +65,9 @@ TEST(QuorvelCli, BadInputGivesMessagesAndFailure) {
     // 2 for a wrong command line; help and the version are plain output.
     EXPECT_EQ(quorvel("no-such-command").exitCode, 2);
     EXPECT_EQ(quorvel("job --cell x").exitCode, 2);
+    run = quorvel("template modify --id -5 --cell x");
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_NE(run.output.find("not in range 1 to 32767"), std::string::npos) << run.output;
     for (const char* plain : {"", "help", "--version"}) {
         run = quorvel(plain);
         EXPECT_EQ(run.exitCode, 0) << plain;
