@@ -44,12 +44,7 @@ void JobWizard(TJobWizardInfo Info) {
     automation.HostFlag1 = record.HostFlag1;
     automation.AutomationFlag1 = false;
     automation.AutomationFlag2 = false;
-    // The host may move the current template while it handles the report.
-    auto& templates = DM().tableTemplateName;
-    auto bookmark = templates.getBookmark();
     job::ReportToHost(record.HostModule, automation);
-    templates.gotoBookmark(bookmark);
-    templates.freeBookmark(bookmark);
 }
 
 } // namespace boundary

@@ -11,8 +11,8 @@ namespace job {
 using HostReportCall = std::function<void(void* entry, TAutomationInfo& info)>;
 void SetHostReportCall(HostReportCall call);
 
-// Looks up "GetJobInfo" in the host's library and calls it with the record. Nothing happens when
-// the library is null or has no such entry.
+// Looks up "GetJobInfo" in the host's library and calls it with the record, keeping the current
+// template row across the call. Nothing happens when the library is null or has no such entry.
 void ReportToHost(void* hostModule, TAutomationInfo& info);
 
 } // namespace job

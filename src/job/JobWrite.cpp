@@ -207,12 +207,7 @@ void TdlgJob::ReportProgramToHost() {
     info.CommandFile = FProgramFileName;
     info.CommandText = "Basket=" + cmbAuxPallet->currentText().toStdString();
     info.FileList = FFileList;
-    // The host may move the current template while it handles the report.
-    auto& templates = DM().tableTemplateName;
-    auto bookmark = templates.getBookmark();
     job::ReportToHost(FInfo.HostModule, info);
-    templates.gotoBookmark(bookmark);
-    templates.freeBookmark(bookmark);
 }
 
 // ---- The previous job's files ----
