@@ -57,6 +57,12 @@ public:
         form_ = std::make_unique<TdlgJob>();
         return *form_;
     }
+    // A fresh form with the job opened, as the wizard's call leaves it.
+    TdlgJob& openedForm() {
+        TdlgJob& form = newForm();
+        form.OpenJob(info_);
+        return form;
+    }
     static void deleteJob() {
         auto query = DM().NewLocalQuery();
         query->setSql("delete from Jobs where Pallet_Number = 7 and Job_Number = 1");

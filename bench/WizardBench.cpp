@@ -39,8 +39,7 @@ void BM_FindNodeByIndexInOrder(benchmark::State& state) {
     benchApplication();
     const int lines = static_cast<int>(state.range(0));
     BigTemplateCell cell(lines);
-    TdlgJob& form = cell.newForm();
-    form.OpenJob(cell.info());
+    TdlgJob& form = cell.openedForm();
     for (auto _ : state)
         for (int line = 0; line < lines; ++line)
             benchmark::DoNotOptimize(form.FindNodeByIndex(line, false));
@@ -58,8 +57,7 @@ void BM_SelectEachLine(benchmark::State& state) {
     benchApplication();
     const int lines = static_cast<int>(state.range(0));
     BigTemplateCell cell(lines);
-    TdlgJob& form = cell.newForm();
-    form.OpenJob(cell.info());
+    TdlgJob& form = cell.openedForm();
     for (auto _ : state)
         for (int line = 0; line < lines; ++line)
             form.SelectNode(tree::FindNodeByIndex(form.tvwTemplate, line));
@@ -77,8 +75,7 @@ BENCHMARK(BM_SelectEachLine)
 void BM_WriteJob10000Lines(benchmark::State& state) {
     benchApplication();
     BigTemplateCell cell(Lines);
-    TdlgJob& form = cell.newForm();
-    form.OpenJob(cell.info());
+    TdlgJob& form = cell.openedForm();
     for (auto _ : state) {
         cell.ui().fileAnswers.push_back("Pal00007.NC");
         form.btnWriteClick();
@@ -93,7 +90,7 @@ BENCHMARK(BM_WriteJob10000Lines)->Unit(benchmark::kMillisecond)->Iterations(1);
 void BM_ScanAndPlainWrite10000Lines(benchmark::State& state) {
     benchApplication();
     BigTemplateCell cell(Lines);
-    cell.newForm().OpenJob(cell.info());
+    cell.openedForm();
     const std::string path = (cell.dir() / "plain.NC").string();
     for (auto _ : state) {
         auto query = DM().NewLocalQuery();

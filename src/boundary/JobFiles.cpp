@@ -14,20 +14,8 @@
 
 namespace boundary {
 
-namespace {
-
-// The extension from the last dot of the bare name on, or "".
-std::string extractFileExt(const std::string& fileName) {
-    const auto pos = fileName.find_last_of(std::string(".") + common::PathDelimiter);
-    if (pos == std::string::npos || fileName[pos] != '.')
-        return {};
-    return fileName.substr(pos);
-}
-
-} // namespace
-
 bool IsProgramFile(const std::string& fileName) {
-    return common::upperCase(extractFileExt(fileName)) == ".NC";
+    return common::upperCase(common::extractFileExt(fileName)) == ".NC";
 }
 
 void PumpMessages(std::uint32_t milliseconds) {

@@ -81,7 +81,7 @@ void TdlgJob::btnWriteClick() {
     common::hostApplication().processMessages();
     // The directory picked in the dialog is dropped: the program always lands in the job's own.
     std::string name = common::extractFileName(answer);
-    if (name.find('.') == std::string::npos)
+    if (common::extractFileExt(name).empty())
         name += ".NC";
     FProgramFileName = common::includeTrailingPathDelimiter(FInfo.LocalDirectory) + name;
     SetJobHeaderValue(schema::Path, FProgramFileName);
