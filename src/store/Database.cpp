@@ -236,6 +236,18 @@ int Database::changes() const { return db_ ? sqlite3_changes(db_) : 0; }
 // one. Inner ones are savepoints, which nest by name, the innermost first, so one name serves
 // every level. The statements stay prepared. Opening and committing change no data; a rollback
 // does.
+std::uint64_t Database::transactionSerial() const {
+    return db_ && !sqlite3_get_autocommit(db_) ? transactionSerial_ : 0;
+}
+
+std::int64_t Database::dataVersion() {
+    auto& stmt = cached("pragma data_version");
+    stmt.step();
+    const std::int64_t version = stmt.columnInteger(0);
+    stmt.reset();
+    return version;
+}
+
 Transaction::Transaction(Database& db) : db_(db) {
     sqlite3* handle = db_.handle();
     savepoint_ = !sqlite3_get_autocommit(handle);
@@ -245,6 +257,8 @@ Transaction::Transaction(Database& db) : db_(db) {
         db_.cached("begin").run();
     else
         db_.cached("begin immediate").run();
+    if (!savepoint_)
+        db_.beginTransactionSerial();
 }
 
 Transaction::~Transaction() {
@@ -265,6 +279,8 @@ Transaction::~Transaction() {
 
 void Transaction::commit() {
     db_.cached(savepoint_ ? "release quorvel_tx" : "commit").run();
+    if (!savepoint_)
+        db_.beginTransactionSerial();
     done_ = true;
 }
 

@@ -81,6 +81,11 @@ public:
     // Increments whenever any statement on this connection may have changed data.
     std::uint64_t generation() const { return generation_; }
     void bumpGeneration() { ++generation_; }
+    // The transaction this module opened and is still in, by number; 0 outside one.
+    std::uint64_t transactionSerial() const;
+    // Changes when another connection commits to the database file.
+    std::int64_t dataVersion();
+    void beginTransactionSerial() { ++transactionSerial_; }
     // Increments whenever a table object writes the table (any case of its name); the counter
     // stays at its address while the database lives.
     std::uint64_t& tableGeneration(const std::string& tableName);
@@ -104,6 +109,7 @@ private:
     CacheList lru_;
     std::unordered_map<std::string_view, CacheList::iterator> cache_;
     std::uint64_t generation_ = 0;
+    std::uint64_t transactionSerial_ = 0;
     std::unordered_map<std::string, std::uint64_t> tableGenerations_;
 };
 

@@ -4,6 +4,7 @@
 #include "store/Database.h"
 #include "store/FilterTerms.h"
 
+#include <optional>
 #include <sqlite3.h>
 
 namespace store {
@@ -63,6 +64,11 @@ struct Table::Plan {
     Held nextMany;
     Held nextManyPinned;
     std::string nextManySql, nextManyPinnedSql;
+    // The whole set when it is small; a set once found too big is not read whole again.
+    Held whole;
+    std::string wholeSql;
+    Table::WholeSet set;
+    bool tooBig = false;
     std::vector<Held> findKey;           // by number of key values
     std::vector<Held> findNearest;       // by number of key values
     std::vector<Held> findNearestPinned; // by number of key values past the pinned ones
@@ -264,6 +270,8 @@ void Table::buildPlan() {
     p.nextManySql = p.selectFrom + whereFilter(p.tuple + " > " + marks) + " order by " + p.order +
                     " limit " + std::to_string(ReadAhead);
     p.byRowidSql = p.selectFrom + " where _rowid_ = ?";
+    p.wholeSql = p.selectFrom + whereFilter("") + " order by " + p.order + " limit " +
+                 std::to_string(WholeSetBound + 1);
     if (!p.where.empty() && !keyNames_.empty()) {
         if (auto terms = equalityTerms(filter_)) {
             for (std::size_t k = 0; k < keyNames_.size(); ++k) {
@@ -320,6 +328,206 @@ bool Table::loadRow(Statement& stmt) {
         row.push_back(stmt.column(static_cast<int>(i) + 1));
     stmt.reset();
     setRow(std::move(row));
+    noteRowRead(generation(), database_->transactionSerial());
+    return true;
+}
+
+void Table::noteRowRead(Stamp stamp, std::uint64_t transaction) {
+    rowStamp_ = stamp;
+    rowTransaction_ = transaction;
+    rowPlan_ = plan_.get();
+}
+
+bool Table::rowUnchangedSinceRead() const {
+    return rowTransaction_ != 0 && rowTransaction_ == database_->transactionSerial() &&
+           rowStamp_ == generation();
+}
+
+namespace {
+
+// Orders two values as the engine does where that is plain: integers by number, texts by their
+// bytes. Anything else is left to the engine.
+std::optional<int> plainCompare(const Value& a, const Value& b) {
+    if (a.isInteger() && b.isInteger())
+        return a.integer() < b.integer() ? -1 : (a.integer() > b.integer() ? 1 : 0);
+    if (a.isText() && b.isText()) {
+        const int c = a.text().compare(b.text());
+        return c < 0 ? -1 : (c > 0 ? 1 : 0);
+    }
+    return std::nullopt;
+}
+
+// a <= b, column by column, when every column compares plainly.
+bool plainNotAfter(const std::vector<Value>& a, const std::vector<Value>& b) {
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const auto c = plainCompare(a[i], b[i]);
+        if (!c)
+            return false;
+        if (*c != 0)
+            return *c < 0;
+    }
+    return true;
+}
+
+} // namespace
+
+bool Table::wholeSetValid() {
+    auto& set = plan_->set;
+    const std::uint64_t transaction = database_->transactionSerial();
+    if (transaction == 0 || !set.loaded || set.stamp != generation())
+        return false;
+    if (set.checked == transaction)
+        return true;
+    // A new transaction: the set holds while no other connection has committed since.
+    if (database_->dataVersion() != set.dataVersion)
+        return false;
+    set.checked = transaction;
+    return true;
+}
+
+bool Table::useWholeSet() {
+    if (plan_->tooBig)
+        return false;
+    if (wholeSetValid())
+        return true;
+    const std::uint64_t transaction = database_->transactionSerial();
+    if (transaction == 0)
+        return false;
+    auto& set = plan_->set;
+    set = {};
+    auto& stmt = planned(plan_->whole, plan_->wholeSql);
+    while (set.rows.size() <= WholeSetBound && stmt.step()) {
+        std::vector<Value> row;
+        row.reserve(names_.size());
+        for (std::size_t i = 0; i < names_.size(); ++i)
+            row.push_back(stmt.column(static_cast<int>(i) + 1));
+        set.rows.emplace_back(stmt.columnInteger(0), std::move(row));
+    }
+    stmt.reset();
+    if (set.rows.size() > WholeSetBound) {
+        set = {};
+        plan_->tooBig = true;
+        return false;
+    }
+    set.loaded = true;
+    set.stamp = generation();
+    set.dataVersion = database_->dataVersion();
+    set.checked = transaction;
+    return true;
+}
+
+void Table::standOnWholeSetRow(std::size_t at) {
+    auto& set = plan_->set;
+    set.at = at;
+    rowid_ = set.rows[at].first;
+    setRow(set.rows[at].second);
+    noteRowRead(set.stamp, set.checked);
+    bof_ = eof_ = false;
+}
+
+bool Table::stepInWholeSet(bool forward) {
+    if (!useWholeSet())
+        return false;
+    auto& set = plan_->set;
+    auto& rows = set.rows;
+    if (set.at >= rows.size() || rows[set.at].first != rowid_) {
+        set.at = rows.size();
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            if (rows[i].first == rowid_)
+                set.at = i;
+        // A row that is not in the set (kept from before a filter change) steps by the engine.
+        if (set.at == rows.size() || rows[set.at].second != row_)
+            return false;
+    }
+    if (forward ? set.at + 1 >= rows.size() : set.at == 0) {
+        (forward ? eof_ : bof_) = true;
+        noteScanPosition();
+        return true;
+    }
+    standOnWholeSetRow(forward ? set.at + 1 : set.at - 1);
+    noteScanPosition();
+    notifyDataChanged();
+    return true;
+}
+
+bool Table::standAtEndOfWholeSet(bool last) {
+    if (!useWholeSet())
+        return false;
+    const auto& rows = plan_->set.rows;
+    if (rows.empty()) {
+        clearRow();
+        bof_ = eof_ = true;
+    } else {
+        standOnWholeSetRow(last ? rows.size() - 1 : 0);
+        (last ? eof_ : bof_) = true;
+    }
+    scanRun_ = 0;
+    notifyDataChanged();
+    return true;
+}
+
+bool Table::findNearestInWholeSet(const std::vector<Value>& key) {
+    if (!useWholeSet())
+        return false;
+    const auto& set = plan_->set;
+    std::vector<Value> wanted;
+    for (std::size_t i = 0; i < key.size(); ++i)
+        wanted.push_back(coerce(keyColumns_[i], key[i]));
+    // The first row whose leading key columns are not before the key, found by halving.
+    std::size_t low = 0;
+    std::size_t high = set.rows.size();
+    while (low < high) {
+        const std::size_t mid = (low + high) / 2;
+        const auto& row = set.rows[mid].second;
+        std::optional<int> order = 0;
+        for (std::size_t i = 0; i < wanted.size() && order && *order == 0; ++i)
+            order = plainCompare(row[static_cast<std::size_t>(keyColumns_[i])], wanted[i]);
+        if (!order)
+            return false; // values the engine orders by rules of its own
+        if (*order < 0)
+            low = mid + 1;
+        else
+            high = mid;
+    }
+    nearest_.valid = false;
+    if (set.rows.empty()) {
+        clearRow();
+        bof_ = eof_ = true;
+    } else {
+        // Past the last key: stand on the last row, with the end flag clear.
+        standOnWholeSetRow(std::min(low, set.rows.size() - 1));
+    }
+    notifyDataChanged();
+    return true;
+}
+
+bool Table::nearestStillFound(const std::vector<Value>& key) const {
+    // The last nearest search found the current row from key k0: no row lies between k0 and
+    // it, so any key between the two finds it again.
+    if (!nearest_.valid || nearest_.rowid != rowid_ || nearest_.plan != plan_.get() ||
+        nearest_.key.size() != key.size() || !hasRow_ || state() != DatasetState::Browse ||
+        nearest_.stamp != generation() || nearest_.transaction != database_->transactionSerial() ||
+        nearest_.transaction == 0)
+        return false;
+    std::vector<Value> wanted, found;
+    for (std::size_t i = 0; i < key.size(); ++i) {
+        wanted.push_back(coerce(keyColumns_[i], key[i]));
+        found.push_back(row_[static_cast<std::size_t>(keyColumns_[i])]);
+    }
+    return plainNotAfter(nearest_.key, wanted) && plainNotAfter(wanted, found);
+}
+
+bool Table::standsOnKey(const std::vector<Value>& key) const {
+    // A row read under another filter is in this set too when this one filters nothing.
+    if (!keyUnique_ || key.size() != keyColumns_.size() || !hasRow_ ||
+        state() != DatasetState::Browse || !rowUnchangedSinceRead() ||
+        (rowPlan_ != plan_.get() && !plan_->where.empty()))
+        return false;
+    for (std::size_t i = 0; i < key.size(); ++i) {
+        const auto column = static_cast<std::size_t>(keyColumns_[i]);
+        if (!(coerce(keyColumns_[i], key[i]) == row_[column]))
+            return false;
+    }
     return true;
 }
 
@@ -397,11 +605,14 @@ Statement& Table::stepStatement(bool forward, const std::vector<Value>& row, std
 void Table::first() {
     requireActive();
     settlePendingEdit();
+    if (standAtEndOfWholeSet(false))
+        return;
     // A scan from the first row again, with the rows of the last one still good: from memory.
     if (aheadFromFirst_ && aheadPlan_ == plan_.get() && aheadGeneration_ == generation() &&
         !ahead_.empty() && fresh()) {
         rowid_ = ahead_[0].first;
         setRow(ahead_[0].second);
+        noteRowRead(aheadGeneration_, aheadTransaction_);
         aheadAt_ = 1;
     } else if (!loadRow(*plan_->first)) {
         clearRow();
@@ -422,15 +633,18 @@ void Table::first() {
 }
 
 bool Table::fresh() const {
-    // Inside a transaction nobody else's change can show before it ends; outside one, rows read
-    // ahead are kept only for the moment of one scan.
-    return !sqlite3_get_autocommit(database_->handle()) ||
+    // Inside the transaction the rows were read in, nobody else's change can show before it ends;
+    // otherwise rows read ahead are kept only for the moment of one scan.
+    const std::uint64_t transaction = database_->transactionSerial();
+    return (transaction != 0 && transaction == aheadTransaction_) ||
            std::chrono::steady_clock::now() - aheadRead_ < std::chrono::milliseconds(20);
 }
 
 void Table::last() {
     requireActive();
     settlePendingEdit();
+    if (standAtEndOfWholeSet(true))
+        return;
     if (loadRow(planned(plan_->last, plan_->lastSql))) {
         bof_ = false;
         eof_ = true;
@@ -448,16 +662,24 @@ void Table::next() {
         eof_ = true;
         return;
     }
+    if (stepInWholeSet(true))
+        return;
     // A scan: from the second next in a row on, the rows after the current one are read ahead
     // in one step and served from memory while nothing can have changed them.
     const bool scanning = scanRun_ > 0 && lastServed_ == rowid_ && lastPlan_ == plan_.get() &&
                           lastGeneration_ == generation();
     scanRun_ = scanning ? scanRun_ + 1 : 1;
-    if (scanning && !aheadValid())
-        readAhead();
+    if (scanning && !aheadValid()) {
+        // A scan that used up its rows reads twice as many next time; a new one starts small,
+        // as most scans stop after a few rows.
+        const bool continued = aheadAt_ > 0 && aheadAt_ == ahead_.size() &&
+                               aheadPlan_ == plan_.get() && ahead_.back().first == rowid_;
+        readAhead(continued ? std::min(ReadAhead, aheadBatch_ * 2) : FirstReadAhead);
+    }
     if (scanning && aheadAt_ < ahead_.size()) {
         rowid_ = ahead_[aheadAt_].first;
         setRow(ahead_[aheadAt_].second);
+        noteRowRead(aheadGeneration_, aheadTransaction_);
         ++aheadAt_;
         bof_ = false;
         eof_ = false;
@@ -490,7 +712,7 @@ bool Table::aheadValid() const {
     return fresh();
 }
 
-void Table::readAhead() {
+void Table::readAhead(int rows) {
     ahead_.clear();
     aheadAt_ = 0;
     aheadEnded_ = false;
@@ -503,20 +725,22 @@ void Table::readAhead() {
         Statement& s;
         ~ResetAfter() { s.reset(); }
     } resetAfter{stmt};
-    while (stmt.step()) {
+    while (ahead_.size() < static_cast<std::size_t>(rows) && stmt.step()) {
         std::vector<Value> row;
         row.reserve(names_.size());
         for (std::size_t i = 0; i < names_.size(); ++i)
             row.push_back(stmt.column(static_cast<int>(i) + 1));
         ahead_.emplace_back(stmt.columnInteger(0), std::move(row));
     }
-    aheadEnded_ = ahead_.size() < static_cast<std::size_t>(ReadAhead);
+    aheadEnded_ = ahead_.size() < static_cast<std::size_t>(rows);
+    aheadBatch_ = rows;
     aheadFromFirst_ =
         rowid_ == firstRowid_ && plan_.get() == firstPlan_ && generation() == firstStamp_;
     // The current row heads the buffer's positions: the first row read follows it.
     ahead_.insert(ahead_.begin(), {rowid_, row_});
     aheadAt_ = 1;
     aheadGeneration_ = generation();
+    aheadTransaction_ = database_->transactionSerial();
     aheadPlan_ = plan_.get();
     aheadRead_ = std::chrono::steady_clock::now();
 }
@@ -534,6 +758,8 @@ void Table::prior() {
         bof_ = true;
         return;
     }
+    if (stepInWholeSet(false))
+        return;
     if (loadRow(stepStatement(false, row_, rowid_))) {
         bof_ = false;
         eof_ = false;
@@ -545,6 +771,8 @@ void Table::prior() {
 
 int Table::recordCount() {
     requireActive();
+    if (useWholeSet())
+        return static_cast<int>(plan_->set.rows.size());
     if (!plan_->count)
         plan_->count = held("select count(*) from " + quoteName(tableName_) + whereFilter(""));
     auto& stmt = *plan_->count;
@@ -614,6 +842,14 @@ void Table::findNearest(const std::vector<Value>& key) {
         throw StoreError("Nearest search on table " + tableName_ + " with " +
                          std::to_string(key.size()) + " values; the key has " +
                          std::to_string(keyNames_.size()));
+    if (standsOnKey(key) || nearestStillFound(key)) {
+        // Nothing can have changed, and the current row is what the search would find.
+        bof_ = eof_ = false;
+        notifyDataChanged();
+        return;
+    }
+    if (findNearestInWholeSet(key))
+        return;
     // A key that starts with the values the filter pins compares only the rest, so that the
     // index seeks straight to it instead of walking the pinned range from its start.
     const auto& pinned = plan_->pinned;
@@ -640,8 +876,12 @@ void Table::findNearest(const std::vector<Value>& key) {
     int index = 1;
     for (std::size_t i = from; i < key.size(); ++i)
         cached->bind(index++, coerce(keyColumns_[i], key[i]));
+    nearest_.valid = false;
     if (loadRow(*cached)) {
         bof_ = eof_ = false;
+        nearest_ = {true, {}, rowid_, plan_.get(), rowStamp_, rowTransaction_};
+        for (std::size_t i = 0; i < key.size(); ++i)
+            nearest_.key.push_back(coerce(keyColumns_[i], key[i]));
     } else if (loadRow(planned(plan_->last, plan_->lastSql))) {
         // Past the last key: stand on the last row, with the end flag clear.
         bof_ = eof_ = false;
@@ -669,6 +909,19 @@ void Table::post() {
     if (values.empty()) {
         cancel();
         return;
+    }
+    if (state() == DatasetState::Edit && rowUnchangedSinceRead()) {
+        bool same = true;
+        for (std::size_t i = 0; same && i < modified_.size(); ++i)
+            same = !modified_[i] || coerce(static_cast<int>(i), editRow_[i]) == row_[i];
+        if (same) {
+            // The row holds these values already: nothing to write, the row stays current.
+            editRow_.clear();
+            modified_.clear();
+            setState(DatasetState::Browse);
+            notifyDataChanged();
+            return;
+        }
     }
     // The statement of the last set of columns posted is kept: a routine posts the same ones.
     if (!plan_->update || plan_->updateColumns != modified_) {

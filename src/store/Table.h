@@ -112,16 +112,18 @@ private:
     // Plans of the orders and filters used lately, most recent first: routines switch between a
     // few filters many times over.
     std::list<std::pair<std::string, std::shared_ptr<Plan>>> plans_;
-    static constexpr std::size_t PlanBound = 16;
+    static constexpr std::size_t PlanBound = 64;
     // Rows read ahead by a scan of next moves (the row the scan stood on first), and what they
     // are valid for: the same plan, no write on the connection since, and either an open
     // transaction or a moment's age.
     static constexpr int ReadAhead = 32;
+    static constexpr int FirstReadAhead = 4;
+    int aheadBatch_ = 0; // rows asked of the last read ahead
     bool aheadValid() const;
     bool fresh() const;
     using Stamp = std::pair<std::uint64_t, std::uint64_t>;
     Stamp generation() const;
-    void readAhead();
+    void readAhead(int rows);
     void noteScanPosition();
     std::vector<std::pair<std::int64_t, std::vector<Value>>> ahead_;
     std::size_t aheadAt_ = 0;
@@ -130,6 +132,7 @@ private:
     std::int64_t firstRowid_ = 0; // the first row as first() last found it
     const void* firstPlan_ = nullptr;
     Stamp aheadGeneration_{};
+    std::uint64_t aheadTransaction_ = 0; // the transaction the rows were read in; 0 outside one
     Stamp firstStamp_{};
     const void* aheadPlan_ = nullptr;
     std::chrono::steady_clock::time_point aheadRead_;
@@ -138,6 +141,42 @@ private:
     std::int64_t lastServed_ = 0;
     const void* lastPlan_ = nullptr;
     Stamp lastGeneration_{};
+    // When the current row was read: the transaction, the writes seen and the plan. A post that
+    // changes nothing on a row read in this transaction, with no write since, has nothing to write.
+    void noteRowRead(Stamp stamp, std::uint64_t transaction);
+    bool rowUnchangedSinceRead() const;
+    bool standsOnKey(const std::vector<Value>& key) const;
+    bool nearestStillFound(const std::vector<Value>& key) const;
+    // A small set is kept whole in memory within a transaction, and past it while no other
+    // connection has committed: lookups of a few dozen rows are searched and walked many times
+    // over in one operator action.
+    static constexpr std::size_t WholeSetBound = 256;
+    struct WholeSet {
+        bool loaded = false;
+        Stamp stamp{};
+        std::int64_t dataVersion = -1;
+        std::uint64_t checked = 0; // the transaction it was last known good in
+        std::vector<std::pair<std::int64_t, std::vector<Value>>> rows;
+        std::size_t at = 0; // the current row's place, when it is in the set
+    };
+    bool wholeSetValid();
+    bool useWholeSet();
+    void standOnWholeSetRow(std::size_t at);
+    bool stepInWholeSet(bool forward);
+    bool standAtEndOfWholeSet(bool last);
+    bool findNearestInWholeSet(const std::vector<Value>& key);
+    // What the last nearest search asked and found, while nothing has changed since.
+    struct Nearest {
+        bool valid = false;
+        std::vector<Value> key;
+        std::int64_t rowid = 0;
+        const void* plan = nullptr;
+        Stamp stamp{};
+        std::uint64_t transaction = 0;
+    } nearest_;
+    Stamp rowStamp_{};
+    const void* rowPlan_ = nullptr;
+    std::uint64_t rowTransaction_ = 0;
 };
 
 } // namespace store
