@@ -43,11 +43,13 @@ JobCommands::JobCommands(CLI::App& cli, std::string& cellDir) : cellDir_(cellDir
     build_->add_option("--job", job_, "Job number")->capture_default_str();
 
     compose_ = cli.add_subcommand(
-        "compose", "Compose a script line from a mask, a syntax type and up to six values. "
-                   "Without a mask, read cases from standard input, one a line: mask, type, "
-                   "syntax text, value 1..6, separated by tabs. Each case prints its line, or "
-                   "\"error: case N: ...\"; the exit code is 1 when a case failed. Put -- before "
-                   "a mask that starts with a dash");
+        "compose",
+        "Compose a script line from a mask, a syntax type and up to six values. "
+        "Without a mask, read cases from standard input, one a line: mask, type, "
+        "syntax text, value 1..6, separated by tabs. Each case prints its line; a case that "
+        "fails prints an empty line, and its error goes to standard error as "
+        "\"quorvel compose: case N: ...\"; the exit code is 1 when a case failed. Put -- before "
+        "a mask that starts with a dash");
     compose_->add_option("--syntax", syntax_, "Syntax text (the line of a plain syntax)");
     compose_->add_option("mask type values", words_, "MASK TYPE [VALUE1 .. VALUE6]");
 }
@@ -99,7 +101,8 @@ int JobCommands::runCompose() {
         }
         const auto type = common::tryStrToInt(words_[1]);
         if (!type) {
-            std::cout << "error: the type '" << words_[1] << "' is not a valid integer value\n";
+            std::cerr << "quorvel compose: the type '" << words_[1]
+                      << "' is not a valid integer value\n";
             return 1;
         }
         std::array<std::string, 6> values;
@@ -107,7 +110,7 @@ int JobCommands::runCompose() {
         try {
             std::cout << TdlgJob::ComposeMaskLine(words_[0], *type, syntax_, values) << '\n';
         } catch (const JobError& e) {
-            std::cout << "error: " << e.what() << '\n';
+            std::cerr << "quorvel compose: " << e.what() << '\n';
             return 1;
         }
         return 0;
@@ -129,7 +132,9 @@ int JobCommands::runCompose() {
             std::cout << TdlgJob::ComposeCaseLine(line) << '\n';
         } catch (const std::exception& e) {
             ++failed;
-            std::cout << "error: case " << number << ": " << e.what() << '\n';
+            // The empty line keeps one output line per case; the error goes with the others.
+            std::cout << '\n';
+            std::cerr << "quorvel compose: case " << number << ": " << e.what() << '\n';
         }
     }
     std::cout.flush();
