@@ -1,13 +1,11 @@
 #include "CellCommands.h"
 
+#include "CellJobs.h"
 #include "CellSession.h"
 #include "boundary/Exports.h"
-#include "common/Format.h"
 #include "store/DataMod.h"
 
 #include <iostream>
-#include <map>
-#include <utility>
 
 namespace app {
 
@@ -41,41 +39,24 @@ bool FixtureListed(const std::string& fixture) {
 
 int CellCommands::runFixtures() {
     CellSession session(cellDir_);
-    auto query = DM().NewSharedQuery();
-    query->setSql("select Part_Number, Description from FixtureList order by Part_Number");
-    query->open();
-    for (; !query->eof(); query->next())
-        std::cout << query->fields(0).asString() << '\t' << query->fields(1).asString() << '\n';
+    for (const auto& fixture : ListCellFixtures())
+        std::cout << fixture.partNumber << '\t' << fixture.description << '\n';
     return 0;
 }
 
 int CellCommands::runJobs() {
     CellSession session(cellDir_);
-    // The host's list names each job's template, where it has the job.
-    std::map<std::pair<int, int>, std::string> templates;
-    auto listed = DM().NewSharedQuery();
-    listed->setSql("select Pallet_Number, Job_Number, Template from JobList");
-    listed->open();
-    for (; !listed->eof(); listed->next()) {
-        std::string name;
-        boundary::GetTemplateName(listed->fields(2).asInteger(), name);
-        templates[{listed->fields(0).asInteger(), listed->fields(1).asInteger()}] =
-            name.empty() ? "template " + listed->fields(2).asString() : name;
-    }
-    auto jobs = DM().NewLocalQuery();
-    jobs->setSql("select Pallet_Number, Job_Number, sum(Node_Level > 0), "
-                 "sum(Node_Level > 0 and Image = 2), max(case when Line_Number = 0 then Path end) "
-                 "from Jobs group by Pallet_Number, Job_Number order by Pallet_Number, Job_Number");
-    jobs->open();
     std::cout << "Pallet\tJob\tTemplate\tFinished\tProgram\n";
-    for (; !jobs->eof(); jobs->next()) {
-        const int pallet = jobs->fields(0).asInteger();
-        const int job = jobs->fields(1).asInteger();
-        const auto name = templates.find({pallet, job});
-        std::cout << pallet << '\t' << job << '\t'
-                  << (name == templates.end() ? std::string("-") : name->second) << '\t'
-                  << jobs->fields(3).asInteger() << " of " << jobs->fields(2).asInteger() << '\t'
-                  << jobs->fields(4).asString() << '\n';
+    for (const auto& job : ListCellJobs()) {
+        // Only the jobs the module holds rows for; the host's list alone names no lines.
+        if (!job.hasRows)
+            continue;
+        const std::string name = job.templateId == 0 ? std::string("-")
+                                 : job.templateName.empty()
+                                     ? "template " + std::to_string(job.templateId)
+                                     : job.templateName;
+        std::cout << job.pallet << '\t' << job.job << '\t' << name << '\t' << job.linesFinished
+                  << " of " << job.lines << '\t' << job.program << '\n';
     }
     return 0;
 }

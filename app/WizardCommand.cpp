@@ -1,5 +1,6 @@
 #include "WizardCommand.h"
 
+#include "CellJobInfo.h"
 #include "CellSession.h"
 #include "Console.h"
 #include "JobScript.h"
@@ -17,9 +18,10 @@
 #include <limits>
 #include <memory>
 
-// quorvel is the host: its own "GetJobInfo" receives the module's report and prints it.
+// quorvel is the host: its own "GetJobInfo" receives the module's report and prints it, or hands
+// it to the cell window when one is open.
 extern "C" void GetJobInfo(TAutomationInfo* info) {
-    if (info)
+    if (info && !app::ForwardJobInfo(*info))
         app::PrintAutomationInfo(*info);
 }
 

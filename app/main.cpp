@@ -1,7 +1,9 @@
 // quorvel: the stand-alone host of the FANUC Robocut machine module.
 #include "CellCommands.h"
+#include "CellWindowCommand.h"
 #include "Commands.h"
 #include "CopyCommand.h"
+#include "CrashedCommand.h"
 #include "JobCommands.h"
 #include "TemplateCommands.h"
 #include "WizardCommand.h"
@@ -37,6 +39,8 @@ int main(int argc, char** argv) {
     app::WizardCommand wizardCommand(cli, cellDir);
     app::CopyCommand copyCommand(cli);
     app::CellCommands cellCommands(cli, cellDir);
+    app::CellWindowCommand cellWindowCommand(cli, cellDir);
+    app::CrashedCommand crashedCommand(cli);
 
     // Exit codes: 0 done, 1 the work failed, 2 the command line is wrong.
     try {
@@ -59,6 +63,9 @@ int main(int argc, char** argv) {
         return 0;
     }
     try {
+        if (auto code = crashedCommand.run(argc, argv))
+            return *code;
+        app::installCrashReporter(cellDir);
         if (*init)
             return app::runInit(cellDir, force, empty);
         if (*templates)
@@ -72,6 +79,8 @@ int main(int argc, char** argv) {
         if (auto code = wizardCommand.run(argc, argv))
             return *code;
         if (auto code = copyCommand.run(argc, argv))
+            return *code;
+        if (auto code = cellWindowCommand.run(argc, argv))
             return *code;
     } catch (const std::exception& e) {
         std::cerr << "quorvel: " << e.what() << '\n';

@@ -2,12 +2,17 @@
 #include "RobocutAbi.h"
 
 #include "boundary/Exports.h"
+#include "common/CrashReporter.h"
 #include "common/Services.h"
 #include "dialogs/QtServices.h"
 #include "job/HostReport.h"
 #include "template/CommandSetup.h"
 
 #include <QApplication>
+
+#include <dlfcn.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
@@ -182,6 +187,7 @@ struct LibraryLifetime {
         job::SetHostReportCall(callGetJobInfo);
     }
     ~LibraryLifetime() {
+        common::uninstallCrashReporter();
         job::SetHostReportCall({});
         boundary::LibraryUnload();
         auto& s = common::services();
@@ -230,6 +236,29 @@ int32_t RcStringListTemplateId(const RcStringList* list, int32_t index) {
     if (!list || index < 0 || index >= list->list.Count() || !list->list.Objects(index))
         return -1;
     return list->list.Objects(index)->TemplateId;
+}
+
+int32_t RcInstallCrashReporter(const char* reportFolder) {
+    return guarded([&] {
+        const std::string folder = text(reportFolder);
+        struct stat info {};
+        if (folder.empty() || stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode) ||
+            access(folder.c_str(), W_OK | X_OK) != 0)
+            throw std::invalid_argument("The crash report folder \"" + folder +
+                                        "\" is not a writable folder");
+        // The window comes from quorvel when it is installed beside the library.
+        std::string program;
+        Dl_info library{};
+        if (dladdr(reinterpret_cast<void*>(&RcInstallCrashReporter), &library) &&
+            library.dli_fname) {
+            const std::string path = library.dli_fname;
+            program = path.substr(0, path.find_last_of('/') + 1) + "quorvel";
+            if (access(program.c_str(), X_OK) != 0)
+                program.clear();
+        }
+        common::installCrashReporter({folder, QUORVEL_VERSION, program});
+        return 0;
+    });
 }
 
 int32_t PluginName(char* buffer, int32_t size) {

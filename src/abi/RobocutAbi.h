@@ -133,6 +133,18 @@ RC_API const char* RcStringListString(const RcStringList* list, int32_t index);
 /* The template id beside an entry; -1 when there is no object or the index is out of range. */
 RC_API int32_t RcStringListTemplateId(const RcStringList* list, int32_t index);
 
+/* Installs the module's crash reporter for the whole process; the module never installs it by
+ * itself, and a host that keeps its own handlers simply does not call this. From then on an
+ * exception that escapes every handler, std::terminate, and the signals SIGSEGV, SIGABRT, SIGBUS
+ * and SIGFPE write reportFolder/crash-YYYYMMDD-HHMMSS-PID.txt (time, module version, what
+ * happened, a backtrace, the last statement the store ran), name it on standard error, and end the
+ * process as before: the default action of the signal, or the terminate handler set before. It
+ * replaces the host's handlers of those signals and of terminate. When a program "quorvel" sits
+ * beside the library and a display is set, it shows a window naming the report. Calling again
+ * changes the folder; unloading the library puts the host's handlers back. 0, or -1 when the
+ * folder is not a writable folder, with the reason in RcLastError(). */
+RC_API int32_t RcInstallCrashReporter(const char* reportFolder);
+
 /* The exports. */
 RC_API int32_t PluginName(char* buffer, int32_t size);
 RC_API int32_t FileExtensions(char* buffer, int32_t size);

@@ -1,5 +1,6 @@
 #include "store/Statement.h"
 
+#include "common/CrashReporter.h"
 #include "store/StoreError.h"
 
 #include <sqlite3.h>
@@ -80,6 +81,8 @@ void Statement::bindValue(int index, const Value& value, bool copy) {
 }
 
 bool Statement::step() {
+    if (!sqlite3_stmt_busy(stmt_))
+        common::noteLastStatement(sql_.data(), sql_.size());
     const int rc = sqlite3_step(stmt_);
     if (rc == SQLITE_ROW)
         return true;
