@@ -1,6 +1,6 @@
 // The job file copy through the C ABI: refused without the host's Qt application, done with it.
+#include "AbiHost.h"
 #include "RobocutAbi.h"
-#include "support/TestSupport.h"
 
 #include <QApplication>
 #include <dlfcn.h>
@@ -16,11 +16,7 @@ using CopyFilesFn = int32_t (*)(const char*, const char*);
 
 [[noreturn]] void copyWithApplication(CopyFilesFn copyFiles, const testsupport::TempDir& from,
                                       const testsupport::TempDir& to) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    int argc = 1;
-    char name[] = "host";
-    char* argv[] = {name, nullptr};
-    const QApplication app(argc, argv);
+    const abitest::HostApplication host;
     const bool copied = copyFiles(from.str().c_str(), to.str().c_str()) == 0 &&
                         std::filesystem::exists(to.file("notes.txt")) &&
                         !std::filesystem::exists(to.file("O1.NC")) &&

@@ -1,8 +1,8 @@
 // A C plug-in of the template editor through the C ABI: added before the host has a Qt
 // application, served at an opening of the editor, and changing the selected command through the
 // accessors. Runs in a child process, so that the host's application ends with it.
+#include "AbiHost.h"
 #include "RobocutAbi.h"
-#include "support/TestSupport.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -11,7 +11,6 @@
 #include <QTreeWidget>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <cstdlib>
 #include <iostream>
@@ -23,27 +22,13 @@ namespace {
 std::vector<std::string> calls;
 void record(const char* call) { calls.emplace_back(call); }
 
-int failures = 0;
-void check(bool ok, const std::string& what) {
-    if (!ok) {
-        std::cerr << "failed: " << what << '\n';
-        ++failures;
-    }
-}
+using abitest::check;
 
 #define RC(name) reinterpret_cast<decltype(&name)>(dlsym(lib, #name))
 
 [[noreturn]] void runPluginCase() {
     testsupport::TempDir dir;
-    const std::string data = QUORVEL_DATA_DIR "/";
-    for (const char* kind : {"schema_", "demo_"})
-        for (const auto& [file, part] : {std::pair{"ZEL.db", "shared"}, {"Quorvel.db", "local"}}) {
-            sqlite3* db = nullptr;
-            sqlite3_open(dir.file(file).c_str(), &db);
-            sqlite3_exec(db, testsupport::readFile(data + kind + part + ".sql").c_str(), nullptr,
-                         nullptr, nullptr);
-            sqlite3_close(db);
-        }
+    abitest::makeCell(dir, true);
     void* lib = dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW | RTLD_LOCAL);
     void* plugin = dlopen(TEST_PLUGIN_C_LIBRARY, RTLD_NOW | RTLD_LOCAL);
     if (!lib || !plugin) {
@@ -63,11 +48,7 @@ void check(bool ok, const std::string& what) {
     check(RC(RcCommandSetupCode)(nullptr, nullptr, 0) == -1, "accessor without an object");
     check(RC(Initialize)(dir.str().c_str(), dir.str().c_str(), 0, 0) == 0, "Initialize");
 
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    int argc = 1;
-    char name[] = "host";
-    char* argv[] = {name, nullptr};
-    const QApplication app(argc, argv);
+    const abitest::HostApplication host;
     // The operator selects G54, the third command of the Header, and closes the editor.
     QTimer::singleShot(0, [] {
         auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
@@ -90,7 +71,7 @@ void check(bool ok, const std::string& what) {
     if (calls != expected)
         for (const auto& call : calls)
             std::cerr << call << '\n';
-    std::_Exit(failures == 0 ? 0 : 1);
+    std::_Exit(abitest::failures == 0 ? 0 : 1);
 }
 
 } // namespace

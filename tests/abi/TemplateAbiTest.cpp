@@ -1,49 +1,29 @@
 // The template editor through the C ABI: it needs the host's Qt application, and a cancelled
 // NewTemplate leaves no template behind. Each case runs in a child process, so that the host's
 // application and the library's windows never outlive one another.
+#include "AbiHost.h"
 #include "RobocutAbi.h"
-#include "support/TestSupport.h"
 
 #include <QApplication>
 #include <QDialog>
 #include <QTimer>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <cstdlib>
 #include <string>
 
 namespace {
 
-std::string cellWithSchema(const testsupport::TempDir& dir) {
-    for (const auto& [file, schema] :
-         {std::pair{"ZEL.db", "schema_shared.sql"}, std::pair{"Quorvel.db", "schema_local.sql"}}) {
-        sqlite3* db = nullptr;
-        sqlite3_open(dir.file(file).c_str(), &db);
-        const auto sql = testsupport::readFile(std::string(QUORVEL_DATA_DIR) + "/" + schema);
-        sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr);
-        sqlite3_close(db);
-    }
-    return dir.str();
-}
-
 int templateRows(const testsupport::TempDir& dir) {
-    sqlite3* db = nullptr;
-    sqlite3_open(dir.file("Quorvel.db").c_str(), &db);
-    sqlite3_stmt* stmt = nullptr;
-    sqlite3_prepare_v2(db, "select count(*) from TemplateName", -1, &stmt, nullptr);
-    sqlite3_step(stmt);
-    const int n = sqlite3_column_int(stmt, 0);
-    sqlite3_finalize(stmt);
-    sqlite3_close(db);
-    return n;
+    return std::stoi(abitest::sql(dir.file("Quorvel.db"), "select count(*) from TemplateName"));
 }
 
 // Runs the exports in this (child) process and ends it with 0 when every check held.
 [[noreturn]] void runEditorCase(bool withApplication) {
     testsupport::TempDir dir;
-    const std::string cell = cellWithSchema(dir);
+    abitest::makeCell(dir, false);
+    const std::string cell = dir.str();
     void* lib = dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW | RTLD_LOCAL);
     if (!lib)
         std::_Exit(10);
@@ -61,11 +41,7 @@ int templateRows(const testsupport::TempDir& dir) {
                              deleteTemplate() == -1;
         std::_Exit(refused && templateRows(dir) == 0 ? 0 : 12);
     }
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    int argc = 1;
-    char appName[] = "host";
-    char* argv[] = {appName, nullptr};
-    QApplication app(argc, argv);
+    const abitest::HostApplication host;
     // The operator closes each window as soon as it shows.
     int shown = 0;
     const auto closeWhenShown = [&] {

@@ -1,92 +1,66 @@
 // The quorvel command as a user runs it: exit codes and messages for good and bad input.
-#include "support/TestSupport.h"
+#include "QuorvelRun.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
-#include <string>
-#include <sys/wait.h>
 
-namespace {
-
-struct Run {
-    int exitCode = -1;
-    std::string output; // standard output and standard error together
-};
-
-Run quorvel(const std::string& arguments) {
-    Run run;
-    const std::string command =
-        "QT_QPA_PLATFORM=offscreen " + std::string(QUORVEL_EXE) + " " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe)
-        return run;
-    std::array<char, 4096> buffer{};
-    while (std::fgets(buffer.data(), static_cast<int>(buffer.size()), pipe))
-        run.output += buffer.data();
-    const int status = pclose(pipe);
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
-}
-
-} // namespace
+using apptest::quorvel;
 
 TEST(QuorvelCli, InitListsAndRefusesToOverwrite) {
     testsupport::TempDir dir;
     const std::string cell = "--cell '" + dir.str() + "/cell'";
     auto run = quorvel("init " + cell);
-    ASSERT_EQ(run.exitCode, 0) << run.output;
+    ASSERT_EQ(run.exitCode, 0) << run.out;
     EXPECT_TRUE(std::filesystem::is_regular_file(dir.str() + "/cell/ZEL.db"));
     EXPECT_TRUE(std::filesystem::is_regular_file(dir.str() + "/cell/Quorvel.db"));
 
     run = quorvel("templates " + cell);
-    ASSERT_EQ(run.exitCode, 0) << run.output;
-    EXPECT_EQ(run.output.rfind("0\t(New)\n", 0), 0u) << run.output;
-    EXPECT_NE(run.output.find("1\tDemo wire-cut plate"), std::string::npos) << run.output;
+    ASSERT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_EQ(run.out.rfind("0\t(New)\n", 0), 0u) << run.out;
+    EXPECT_NE(run.out.find("1\tDemo wire-cut plate"), std::string::npos) << run.out;
     run = quorvel("templates " + cell + " --fixture NO-SUCH");
-    EXPECT_EQ(run.output, "0\t(New)\n");
+    EXPECT_EQ(run.out, "0\t(New)\n");
 
     run = quorvel("init " + cell);
     EXPECT_NE(run.exitCode, 0);
-    EXPECT_NE(run.output.find("--force"), std::string::npos) << run.output;
+    EXPECT_NE(run.out.find("--force"), std::string::npos) << run.out;
     run = quorvel("init " + cell + " --force --empty");
-    EXPECT_EQ(run.exitCode, 0) << run.output;
+    EXPECT_EQ(run.exitCode, 0) << run.out;
     run = quorvel("templates " + cell);
-    EXPECT_EQ(run.output, "0\t(New)\n");
+    EXPECT_EQ(run.out, "0\t(New)\n");
 }
 
 TEST(QuorvelCli, BadInputGivesMessagesAndFailure) {
     testsupport::TempDir dir;
     auto run = quorvel("templates --cell '" + dir.str() + "/none'");
     EXPECT_NE(run.exitCode, 0);
-    EXPECT_NE(run.output.find("quorvel init"), std::string::npos) << run.output;
+    EXPECT_NE(run.out.find("quorvel init"), std::string::npos) << run.out;
     // 2 for a wrong command line; help and the version are plain output.
     EXPECT_EQ(quorvel("no-such-command").exitCode, 2);
     EXPECT_EQ(quorvel("job --cell x").exitCode, 2);
     run = quorvel("template modify --id -5 --cell x");
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_NE(run.output.find("not in range 1 to 32767"), std::string::npos) << run.output;
+    EXPECT_NE(run.out.find("not in range 1 to 32767"), std::string::npos) << run.out;
     for (const char* plain : {"", "help", "--version"}) {
         run = quorvel(plain);
         EXPECT_EQ(run.exitCode, 0) << plain;
-        EXPECT_NE(run.output.find("quorvel"), std::string::npos) << run.output;
+        EXPECT_NE(run.out.find("quorvel"), std::string::npos) << run.out;
     }
-    EXPECT_EQ(quorvel("--cell '" + dir.str() + "/none' templates").output,
-              quorvel("templates --cell '" + dir.str() + "/none'").output);
+    EXPECT_EQ(quorvel("--cell '" + dir.str() + "/none' templates").out,
+              quorvel("templates --cell '" + dir.str() + "/none'").out);
     // Accepting a new template that has no name would wait for a name forever.
     EXPECT_EQ(quorvel("template new --fixture FX-100 --accept --cell x").exitCode, 2);
     // Blank lines and comments of a case list are no cases.
     testsupport::writeFile(dir.file("cases.tsv"), "# a comment\n\n%d\t1\t\t5\n");
     run = quorvel("compose < '" + dir.file("cases.tsv") + "'");
-    EXPECT_EQ(run.output, "5\n");
+    EXPECT_EQ(run.out, "5\n");
     // A cell with a missing table names it and fails.
     ASSERT_EQ(quorvel("init --cell '" + dir.str() + "/c'").exitCode, 0);
     testsupport::writeFile(dir.str() + "/c/Quorvel.db", "not a database, only text............");
     run = quorvel("templates --cell '" + dir.str() + "/c'");
     EXPECT_NE(run.exitCode, 0);
-    EXPECT_NE(run.output.find("Quorvel.db"), std::string::npos) << run.output;
+    EXPECT_NE(run.out.find("Quorvel.db"), std::string::npos) << run.out;
     run = quorvel("templates --cell '" + dir.str() + "/c' --fixture \"it's\"");
     EXPECT_NE(run.exitCode, 0);
 }
@@ -97,17 +71,17 @@ TEST(QuorvelCli, TemplateEditorCommandsForScripts) {
     ASSERT_EQ(quorvel("init " + cell).exitCode, 0);
     auto run = quorvel("template new " + cell +
                        " --fixture FX-200 --workpieces 2 --name 'Two up' --accept");
-    ASSERT_EQ(run.exitCode, 0) << run.output;
-    EXPECT_NE(run.output.find("Created template Two up"), std::string::npos) << run.output;
+    ASSERT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_NE(run.out.find("Created template Two up"), std::string::npos) << run.out;
     run = quorvel("templates " + cell + " --fixture FX-200");
-    EXPECT_EQ(run.output, "0\t(New)\n2\tTwo up\n");
+    EXPECT_EQ(run.out, "0\t(New)\n2\tTwo up\n");
     run = quorvel("template modify " + cell + " --id 2 --name Renamed --accept");
-    EXPECT_EQ(run.exitCode, 0) << run.output;
+    EXPECT_EQ(run.exitCode, 0) << run.out;
     run = quorvel("templates " + cell + " --fixture FX-200");
-    EXPECT_EQ(run.output, "0\t(New)\n2\tRenamed\n");
+    EXPECT_EQ(run.out, "0\t(New)\n2\tRenamed\n");
     run = quorvel("template modify " + cell + " --id 9 --accept");
     EXPECT_NE(run.exitCode, 0);
-    EXPECT_NE(run.output.find("no template with id 9"), std::string::npos) << run.output;
+    EXPECT_NE(run.out.find("no template with id 9"), std::string::npos) << run.out;
     run = quorvel("template new " + cell + " --workpieces 2");
     EXPECT_NE(run.exitCode, 0); // the fixture is required
 }
@@ -117,9 +91,9 @@ TEST(QuorvelCli, TemplateDeleteOpensTheDialogAndLeavesTemplatesWhenClosed) {
     const std::string cell = "--cell '" + dir.str() + "'";
     ASSERT_EQ(quorvel("init " + cell).exitCode, 0);
     auto run = quorvel("template delete " + cell + " --close");
-    ASSERT_EQ(run.exitCode, 0) << run.output;
-    EXPECT_NE(run.output.find("Templates left: 1"), std::string::npos) << run.output;
-    EXPECT_EQ(quorvel("templates " + cell).output, "0\t(New)\n1\tDemo wire-cut plate\n");
+    ASSERT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_NE(run.out.find("Templates left: 1"), std::string::npos) << run.out;
+    EXPECT_EQ(quorvel("templates " + cell).out, "0\t(New)\n1\tDemo wire-cut plate\n");
 }
 
 TEST(QuorvelCli, CopyWithoutWindowPrintsTheCopiedNames) {
@@ -128,8 +102,8 @@ TEST(QuorvelCli, CopyWithoutWindowPrintsTheCopiedNames) {
         testsupport::writeFile(from.file(name), name);
     std::filesystem::create_directories(from.path() / "sub");
     const auto run = quorvel("copy --no-window '" + from.str() + "' '" + to.str() + "'");
-    ASSERT_EQ(run.exitCode, 0) << run.output;
-    EXPECT_EQ(run.output, "a.txt\nb.txt\n");
+    ASSERT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_EQ(run.out, "a.txt\nb.txt\n");
     EXPECT_EQ(testsupport::readFile(to.file("b.txt")), "b.txt");
     EXPECT_FALSE(std::filesystem::exists(to.file("O1.NC")));
     EXPECT_NE(quorvel("copy --no-window '" + from.str() + "'").exitCode, 0);
@@ -140,14 +114,14 @@ TEST(QuorvelCli, TheCellsFixturesAndJobsAsAHostSeesThem) {
     const std::string cell = " --cell '" + dir.str() + "/cell'";
     ASSERT_EQ(quorvel("init" + cell).exitCode, 0);
     auto run = quorvel("fixtures" + cell);
-    EXPECT_EQ(run.output.rfind("FX-100\t", 0), 0u) << run.output;
+    EXPECT_EQ(run.out.rfind("FX-100\t", 0), 0u) << run.out;
     run = quorvel("template new --fixture \"FX'300\" --accept --name N" + cell);
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_NE(run.output.find("not in the cell's fixture list"), std::string::npos) << run.output;
+    EXPECT_NE(run.out.find("not in the cell's fixture list"), std::string::npos) << run.out;
 
     ASSERT_EQ(quorvel("build --pallet 7" + cell).exitCode, 0);
     run = quorvel("jobs" + cell);
-    EXPECT_NE(run.output.find("\n7\t1\t-\t"), std::string::npos) << run.output;
+    EXPECT_NE(run.out.find("\n7\t1\t-\t"), std::string::npos) << run.out;
     EXPECT_EQ(quorvel("job delete --pallet 7" + cell).exitCode, 0);
-    EXPECT_EQ(quorvel("jobs" + cell).output, "Pallet\tJob\tTemplate\tFinished\tProgram\n");
+    EXPECT_EQ(quorvel("jobs" + cell).out, "Pallet\tJob\tTemplate\tFinished\tProgram\n");
 }

@@ -1,23 +1,16 @@
 // `quorvel job` as a script or a user runs it on the demo cell: the report of an unattended run,
 // the operator's script, bad input, and the notice of a changed template.
-#include "support/TestSupport.h"
+#include "QuorvelRun.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include <array>
-#include <cstdio>
 #include <regex>
-#include <string>
-#include <sys/wait.h>
 #include <vector>
 
 namespace {
 
-struct Run {
-    int exitCode = -1;
-    std::string out, err;
-};
+using apptest::Run;
 
 // A demo cell and the job command on it; standard output and standard error apart.
 class JobCli {
@@ -47,17 +40,7 @@ public:
 
 private:
     Run run(const std::string& arguments) const {
-        Run run;
-        const std::string command = "QT_QPA_PLATFORM=offscreen " + std::string(QUORVEL_EXE) + " " +
-                                    arguments + " 2>'" + dir.file("stderr") + "'";
-        FILE* pipe = popen(command.c_str(), "r");
-        std::array<char, 4096> buffer{};
-        while (pipe && std::fgets(buffer.data(), static_cast<int>(buffer.size()), pipe))
-            run.out += buffer.data();
-        const int status = pipe ? pclose(pipe) : -1;
-        run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        run.err = testsupport::readFile(dir.file("stderr"));
-        return run;
+        return apptest::quorvel(arguments, dir.file("stderr"));
     }
 };
 

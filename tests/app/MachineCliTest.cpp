@@ -1,46 +1,26 @@
 // `quorvel job --script` choosing the demo cell's machine: the FOCAS library is found by its bare
 // name through LD_LIBRARY_PATH, here one of the stand-ins.
-#include "support/TestSupport.h"
+#include "QuorvelRun.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
-#include <string>
-#include <sys/wait.h>
 
 namespace {
 
-struct Run {
-    int exitCode = -1;
-    std::string out, err;
-};
-
-Run quorvel(const std::string& environment, const std::string& arguments,
-            const testsupport::TempDir& dir) {
-    Run run;
-    const std::string command = environment + " QT_QPA_PLATFORM=offscreen " + QUORVEL_EXE + " " +
-                                arguments + " 2>'" + dir.file("stderr") + "'";
-    FILE* pipe = popen(command.c_str(), "r");
-    std::array<char, 4096> buffer{};
-    while (pipe && std::fgets(buffer.data(), static_cast<int>(buffer.size()), pipe))
-        run.out += buffer.data();
-    const int status = pipe ? pclose(pipe) : -1;
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.err = testsupport::readFile(dir.file("stderr"));
-    return run;
-}
+using apptest::quorvel;
+using apptest::Run;
 
 // The script on the demo cell, with the stand-in as the system's FOCAS library.
 Run script(const std::string& lines) {
     testsupport::TempDir dir;
-    quorvel("", "init --cell '" + dir.str() + "'", dir);
+    quorvel("init --cell '" + dir.str() + "'");
     testsupport::writeFile(dir.file("script"), lines);
     const std::string folder = std::filesystem::path(FOCAS_STANDIN).parent_path().string();
-    return quorvel(
-        "LD_LIBRARY_PATH='" + folder + "' FOCAS_STANDIN_PROGRAMS='12=(ROUGH)|3='",
-        "job --cell '" + dir.str() + "' --pallet 7 --script '" + dir.file("script") + "'", dir);
+    return quorvel("job --cell '" + dir.str() + "' --pallet 7 --script '" + dir.file("script") +
+                       "'",
+                   dir.file("stderr"),
+                   "LD_LIBRARY_PATH='" + folder + "' FOCAS_STANDIN_PROGRAMS='12=(ROUGH)|3='");
 }
 
 } // namespace

@@ -173,30 +173,3 @@ TEST(JobFileExists, MatchesNcFilesOnly) {
     EXPECT_TRUE(boundary::JobFileExists(dir.str()));
     EXPECT_TRUE(boundary::JobFileExists(dir.str() + "/"));
 }
-
-TEST(DemoCell, SyntaxNearestSeeksAndTemplateRows) {
-    testsupport::CellFixture cell(true);
-    boundary::LibraryLoad();
-    boundary::Initialize(cell.dir(), cell.dir());
-    auto& syntax = DM().tableSyntax;
-    // A code alone stands on its lowest item; an absent code on the next code.
-    syntax.findNearest({"G92"});
-    EXPECT_EQ(syntax.fieldByName("Code").asString(), "G92");
-    EXPECT_EQ(syntax.fieldByName("Item").asInteger(), 1);
-    syntax.findNearest({"G93"});
-    EXPECT_EQ(syntax.fieldByName("Code").asString(), "M98");
-    syntax.findNearest({"ZZZ"});
-    EXPECT_FALSE(syntax.eof());
-    syntax.next();
-    EXPECT_TRUE(syntax.eof());
-    // The demo template's rows run 0..n-1 in key order.
-    auto& data = DM().tableTemplateData;
-    data.setFilter("Template_ID = 1");
-    data.setFiltered(true);
-    int expected = 0;
-    for (data.first(); !data.eof(); data.next())
-        EXPECT_EQ(data.fieldByName("Item").asInteger(), expected++);
-    EXPECT_EQ(expected, data.recordCount());
-    EXPECT_GT(expected, 10);
-    boundary::LibraryUnload();
-}

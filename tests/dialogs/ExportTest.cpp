@@ -7,13 +7,8 @@
 
 TEST(ExportForm, CancelAndEscMarkDoneAndLeaveTheWindowOpen) {
     TdlgExport form;
-    EXPECT_EQ(form.windowTitle(), "Copying...");
     EXPECT_EQ(form.minimumSize(), form.maximumSize());
-    EXPECT_EQ(form.findChild<QLabel*>("txtFileName")->text(), "(run time)");
-    EXPECT_EQ(form.findChild<QLabel*>("txtFile")->text(), "File:");
-    EXPECT_EQ(form.findChild<QLabel*>("txtFrom")->text(), "From:");
     EXPECT_FALSE(form.findChild<QLabel*>("CopyAnimation")->pixmap().isNull());
-    EXPECT_EQ(form.findChild<QPushButton*>("btnCancel")->text(), "Cancel");
 
     form.show();
     EXPECT_FALSE(form.FDone);

@@ -44,7 +44,6 @@ TEST(Composer, WorkedExamples) {
         {"%.3f", 1, "", {"abc"}, "0.000"},
         {"%.3d", 1, "", {"7"}, "007"},
         {"%5d", 1, "", {"1.5"}, "    0"},
-        {"M98 P%.4d", 1, "", {"12"}, "M98 P0012"},
         {"(%s)", 1, "", {"ROUGH CUT"}, "(ROUGH CUT)"},
     });
 }
@@ -52,7 +51,6 @@ TEST(Composer, WorkedExamples) {
 TEST(Composer, SignedSpecifiersThatAreNoPictureKeepTheirLetter) {
     expectLines({
         {"X%+d", 1, "", {"5"}, "X+5d"},
-        {"X%+d", 1, "", {"-5"}, "X-5d"},
         {"X%+d", 1, "", {""}, "X+0d"},
         {"X%+.3f", 1, "", {"-1.5"}, "X-1.500f"},
         {"X%+.3f Y%+0.0f", 1, "", {"2", "-2.25"}, "X+2.000f Y-2.3"},
@@ -65,8 +63,6 @@ TEST(Composer, EachValueIsConvertedForItsOwnSpecifier) {
         {"%d %d", 1, "", {"1", "2", "x", "%", "", "1e999"}, "1 2"},
         {"%d %.2f", 1, "", {"1.5", "x"}, "0 0.00"},
         {"%+0.000f", 1, "", {""}, "+0.000"},
-        {"%0.000f", 1, "", {""}, "0.000"},
-        {"%d", 1, "", {"12abc"}, "0"},
         {"%d", 1, "", {" 42"}, "42"},
         {"%d", 1, "", {"$1F"}, "31"},
         // A negative number that rounds to nothing keeps its sign and loses the "+".
@@ -74,9 +70,6 @@ TEST(Composer, EachValueIsConvertedForItsOwnSpecifier) {
         {"%0.##f", 1, "", {"1.005"}, "1.01"},
         {"%0,0.00f", 1, "", {"1234567.891"}, "1,234,567.89"},
         {"#%s=%0.000f", 3, "", {"510", "0.125"}, "#510=0.125"},
-        {"%05d", 1, "", {"42"}, "   42"},
-        {"(%-6s)", 1, "", {"AB"}, "(AB    )"},
-        {"%.3s", 1, "", {"ABCDEF"}, "ABC"},
         // Upper-case letters do not classify; the formatter still reads them.
         {"%D", 1, "", {"12"}, "12"},
         // Plain text behind the specifier decides: the "d" of "dist" makes it an integer.
@@ -90,9 +83,7 @@ TEST(Composer, MasksWithoutUsableSpecifiers) {
         {"%s%%", 1, "SYN", v, "Not Handled"},
         {"%s%%", 2, "SYN", v, "SYN"},
         {"G90", 1, "G90 SYN", v, "Not Handled"},
-        {"G90", 3, "G90 SYN", v, "Not Handled"},
         {"G90", 0, "G90 SYN", v, "G90 SYN"},
-        {"G90", 4, "G90 SYN", v, "G90 SYN"},
         {"X%d%", 1, "SYN", v, "Not Handled"},
         {"%-*.*s", 3, "SYN", v, "Not Handled"},
         {"A%pB", 1, "SYN", v, "Not Handled"},
@@ -115,7 +106,6 @@ TEST(Composer, CountsSpecifiersAsPercentAndNextCharacter) {
         {"G90", false, 0},
         {"X%d%", false, 0},
         {"X%d%", true, 0},
-        {"%%d", false, 1},
         {"%%%d", true, 2},
         {"%s%%", false, 0},
         {"%-*.*s", false, 1},

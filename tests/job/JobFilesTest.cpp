@@ -38,13 +38,11 @@ TEST_F(JobFilesTest, ReadsTheDigitsOfTheFirstProgramLine) {
         {";123\r\n", "123"},
         {"o77\r\n", "77"},
         {"OABC\r\n", ""},
-        {"O\r\nG90\r\n", ""},
         {"O12X4\r\n", "12"},
         {"%\r\n\r\n\r\nO55\r\nM30\r\n", "55"},
         {"(NO TRAILING END)\r\nO4321", "4321"},
         // Without an "O" or ";" line the last line read stands.
         {"G90\r\nG91\r\n", "91"},
-        {"G90\r\nX5", "5"},
         // A lone carriage return ends a line; the rest up to the line feed is passed over.
         {"G90\rO9\r\nO8\r\n", "8"},
         {"\xA7\xE9\r\nO66\r\n", "66"},
@@ -100,8 +98,10 @@ TEST_F(JobFilesTest, BackupNamesPutATildeBehindTheExtensionDot) {
         std::string name;
         std::string backup;
     } cases[] = {
-        {"prog.NC", "prog.~NC"},     {"prog.tar.nc", "prog.tar.~nc"}, {"prog", "prog~"},
-        {"d.ir/prog", "d.ir/prog~"}, {"d.ir/p.x", "d.ir/p.~x"},
+        {"prog.NC", "prog.~NC"},
+        {"prog", "prog~"},
+        {"d.ir/prog", "d.ir/prog~"},
+        {"d.ir/p.x", "d.ir/p.~x"},
     };
     for (const auto& c : cases) {
         const std::string path = write(c.name, "O1\r\n" + c.name);

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 
 namespace jobtest {
 
@@ -48,6 +49,30 @@ protected:
         EXPECT_TRUE(jobs.findKey({form->PalletNumber(), form->JobNumber(), line})) << line;
         return jobs.fieldByName(column).asString();
     }
+
+    // Statements on the local database, past the wizard's tables so that no bound box moves.
+    static void exec(const std::string& sql) {
+        auto q = DM().NewLocalQuery();
+        q->setSql(sql);
+        q->execSQL();
+    }
+    // The first column of a query's first row; "(no row)" when there is none.
+    static std::string read(const std::string& sql) {
+        auto q = DM().NewLocalQuery();
+        q->setSql(sql);
+        q->open();
+        return q->isEmpty() ? "(no row)" : q->fields(0).asString();
+    }
+    // A column of a row of pallet 7, job 1, and columns set on some of its lines ("15, 16").
+    static std::string row(int line, const std::string& column) {
+        return read("select " + column + " from Jobs where Pallet_Number = 7 and Job_Number = 1 " +
+                    "and Line_Number = " + std::to_string(line));
+    }
+    static void update(const std::string& set, const std::string& lines) {
+        exec("update Jobs set " + set + " where Pallet_Number = 7 and Job_Number = 1 and " +
+             "Line_Number in (" + lines + ")");
+    }
+    static void update(const std::string& set, int line) { update(set, std::to_string(line)); }
 
     // The node of a line, and its selection as code selects it.
     QTreeWidgetItem* node(int line) { return tree::FindNodeByIndex(form->tvwTemplate, line); }

@@ -17,18 +17,6 @@ protected:
         info.AllowSkipDown = true;
         ASSERT_TRUE(form->OpenJob(info));
     }
-    void sql(const std::string& text) {
-        auto q = DM().NewLocalQuery();
-        q->setSql(text);
-        q->execSQL();
-    }
-    std::string row(int line, const char* column) {
-        auto q = DM().NewLocalQuery();
-        q->setSql(std::string("select ") + column +
-                  " from Jobs where Line_Number = " + std::to_string(line));
-        q->open();
-        return q->fields(0).asString();
-    }
     // The operator presses btnSkip on a line: down when it is up, up when it is down.
     void pressSkip(int line) {
         select(line);
@@ -48,8 +36,8 @@ TEST_F(SkipPasteTest, SkipMarksLineOrSectionAndTheWorkpiecesSepLine) {
 
     // With automatic points, the n-th Header row after the Header's own is workpiece n's "SEP"
     // line: it goes with the section, and comes back with it.
-    sql("update TemplateName set [Auto Points] = 1 where Template_ID = 1");
-    sql("update Jobs set Script_Line = 'sep auto' where Line_Number = 2");
+    exec("update TemplateName set [Auto Points] = 1 where Template_ID = 1");
+    exec("update Jobs set Script_Line = 'sep auto' where Line_Number = 2");
     DM().PositionTemplate(1);
     pressSkip(13); // Workpiece2
     EXPECT_EQ(row(13, "Image"), "3");
@@ -80,7 +68,7 @@ TEST_F(SkipPasteTest, SkipDownStopsBeforeTheFooterAndPasteKeepsTheTargetsState) 
     EXPECT_EQ(selected(), 25);
 
     // Line 9 (G92, values 10 and 5) onto line 21 (G92 with the taper axes).
-    sql("update Jobs set State = 2, Path = 'kept' where Line_Number = 21");
+    exec("update Jobs set State = 2, Path = 'kept' where Line_Number = 21");
     select(9);
     form->btnCopyClick();
     select(21);

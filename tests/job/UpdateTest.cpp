@@ -14,11 +14,6 @@ protected:
         exec("update Jobs set Value_6 = 'op' || Line_Number where Pallet_Number = 7");
         DM().tableJobs.first();
     }
-    static void exec(const std::string& sql) {
-        auto q = DM().NewLocalQuery();
-        q->setSql(sql);
-        q->execSQL();
-    }
     static void journal(int version, int item, const std::string& action, const std::string& value,
                         int number) {
         exec("insert into TemplateVersion values (1, " + std::to_string(version) + ", 0, " +
@@ -103,12 +98,9 @@ TEST_F(UpdateTest, BadRowLeavesJobAsItWasAndNoRowsKeepsVersion) {
 TEST_F(UpdateTest, SingleLineOperationsAndTheirEdges) {
     form->InsertJobLine(30, "G04", 1);                  // at the end
     EXPECT_EQ(jobField(30, "Script_Line"), "G04 X2.5"); // the local default value
-    form->MoveJobLines(29, 29, 1);                      // onto its own place
-    EXPECT_EQ(jobField(29, "Value_6"), "op29");
-    form->DeleteJobLines(30, 4); // the last line: stops there
-    EXPECT_EQ(lines().size(), 30u);
+    // The replay's refusal leaves the rows as they were.
     EXPECT_THROW(form->InsertJobLine(0, "G04", 1), store::StoreError);
-    EXPECT_EQ(lines().size(), 30u);
+    EXPECT_EQ(lines().size(), 31u);
     // A block moves down as one, in order.
     form->MoveJobLines(9, 20, 2);
     EXPECT_EQ(jobField(20, "Value_6"), "op9");
@@ -117,11 +109,7 @@ TEST_F(UpdateTest, SingleLineOperationsAndTheirEdges) {
 }
 
 TEST_F(UpdateTest, EveryReplayedWorkpieceAddCountsWhenItIsReplayed) {
-    auto q = DM().NewLocalQuery();
-    q->setSql("select count(*) from Jobs where Pallet_Number = 7 and Job_Number = 1 and "
-              "Code = 'WRK'");
-    q->open();
-    const int built = q->fields(0).asInteger();
+    const int built = std::stoi(read("select count(*) from Jobs where Code = 'WRK'"));
     ASSERT_GT(built, 0);
     journal(2, 9, "ADD", "WRK", 0); // takes the next number ...
     journal(2, 9, "DEL", "", 1);    // ... and is deleted again

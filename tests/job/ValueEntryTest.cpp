@@ -20,18 +20,6 @@ protected:
         ASSERT_TRUE(form->OpenJob(form->WizardInfo()));
     }
 
-    // The first field of a statement's first row, read past the wizard's tables.
-    static std::string read(const std::string& sql) {
-        auto q = DM().NewLocalQuery();
-        q->setSql(sql);
-        q->open();
-        return q->isEmpty() ? "(no row)" : q->fields(0).asString();
-    }
-    static std::string row(int line, const char* column) {
-        return read(std::string("select ") + column +
-                    " from Jobs where Pallet_Number = 7 and Job_Number = 1 and Line_Number = " +
-                    std::to_string(line));
-    }
     // Keys as typed: "\n" is Enter, "\b" Backspace.
     static void type(QWidget* control, const QString& text) {
         for (const QChar ch : text) {

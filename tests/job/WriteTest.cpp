@@ -99,13 +99,6 @@ protected:
             q->execSQL();
         }
     }
-    std::string row(int line, const char* column) {
-        auto q = DM().NewLocalQuery();
-        q->setSql(std::string("select ") + column +
-                  " from Jobs where Pallet_Number = 7 and Line_Number = " + std::to_string(line));
-        q->open();
-        return q->fields(0).asString();
-    }
     std::string program() const { return local.file("Pal00007.NC"); }
 
     testsupport::TempDir local;
@@ -154,11 +147,7 @@ TEST_F(WriteTest, WriteChecksEveryLineThenStoresWritesAndReports) {
     EXPECT_TRUE(form->btnEdit->isEnabled());
     EXPECT_TRUE(form->StatusBar->isSizeGripEnabled());
     // Every line was walked and finished; every line that is not skipped or joined is written.
-    auto q = DM().NewLocalQuery();
-    q->setSql("select count(*) from Jobs where Pallet_Number = 7 and Node_Level > 0 and "
-              "Image <> 2");
-    q->open();
-    EXPECT_EQ(q->fields(0).asInteger(), 0);
+    EXPECT_EQ(read("select count(*) from Jobs where Node_Level > 0 and Image <> 2"), "0");
     const auto lines = splitLines(readBytes(program()));
     ASSERT_GE(lines.size(), 6u);
     EXPECT_EQ(lines[1], "O0001 (CMS MAIN PROGRAM)\r");
@@ -181,16 +170,13 @@ TEST_F(WriteTest, WriteChecksEveryLineThenStoresWritesAndReports) {
 TEST_F(WriteTest, BadValueCancelAndFileErrorsLeaveNoProgram) {
     open();
     // A bad value stops the walk on its line; no dialog, no file, no report.
-    auto q = DM().NewLocalQuery();
-    q->setSql("update Jobs set Value_1 = 'abc' where Line_Number = 9");
-    q->execSQL();
+    update("Value_1 = 'abc'", 9);
     form->btnWriteClick();
     EXPECT_TRUE(form->FStopFlag);
     EXPECT_EQ(tree::AbsoluteIndex(form->SelectedNode()), 9);
     EXPECT_FALSE(form->StatusBar->isSizeGripEnabled());
     EXPECT_TRUE(cell.ui.fileRequests.empty());
-    q->setSql("update Jobs set Value_1 = '10' where Line_Number = 9");
-    q->execSQL();
+    update("Value_1 = '10'", 9);
 
     // A cancelled save dialog: the lines are marked, nothing is written.
     form->SelectNode(node(0));

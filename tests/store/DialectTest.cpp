@@ -1,5 +1,5 @@
-// The dialect adapter: its rewrites on their own, then every statement shape the system issues,
-// translated and run on the real schema of both databases.
+// The dialect adapter: its rewrites on their own, then the statement shapes it rewrites, translated
+// and run on the real schema of both databases.
 #include "store/Dialect.h"
 #include "store/EmbeddedData.h"
 
@@ -38,10 +38,8 @@ void expectUnchanged(const std::vector<std::string>& texts) {
 TEST(DialectRewrite, TruncateBecomesDeleteWhateverTheCaseAndSpacing) {
     expectRewrites({
         {"truncate TemplateCopy", "delete from TemplateCopy"},
-        {"Truncate TemplateCopy", "delete from TemplateCopy"},
         {"  TRUNCATE\r\n   TemplateCopy  ", "  delete from\r\n   TemplateCopy  "},
         {"truncate table TemplateCopy", "delete from TemplateCopy"},
-        {"truncate [TemplateCopy]", "delete from [TemplateCopy]"},
         {"truncate TemplateCopy;", "delete from TemplateCopy;"},
     });
     // Nothing to empty, or the word used otherwise: left for the engine to judge.
@@ -53,8 +51,6 @@ TEST(DialectRewrite, InsertOfAParenthesisedSelectLosesTheParentheses) {
     expectRewrites({
         {"insert into TemplateCopy (select * from TemplateData where Template_ID = 3)",
          "insert into TemplateCopy select * from TemplateData where Template_ID = 3"},
-        {"insert into TemplateData (select * from TemplateCopy)",
-         "insert into TemplateData select * from TemplateCopy"},
         // Inner parentheses and parentheses inside literals stay; the words do not run together.
         {"INSERT INTO TemplateCopy(SELECT * FROM TemplateData WHERE Code IN ('A)', '(B'))",
          "INSERT INTO TemplateCopy SELECT * FROM TemplateData WHERE Code IN ('A)', '(B')"},
@@ -91,8 +87,6 @@ TEST(DialectRewrite, NumbersPlacedAsValuesAreQuotedAndNowhereElse) {
         {"insert into T values(-0.500, 007, +3, .5, 5., 1e3, 2.5E-3)",
          "insert into T values('-0.500', '007', '+3', '.5', '5.', '1e3', '2.5E-3')"},
         {"insert into T values (1,2), (3, 4)", "insert into T values ('1','2'), ('3', '4')"},
-        {"update ValueType set [Default] = 0.500 where Value_ID = 3",
-         "update ValueType set [Default] = '0.500' where Value_ID = 3"},
         {"update Jobs set Value_1 = 007, Path = 'x', Image=2\nwhere Line_Number = 0",
          "update Jobs set Value_1 = '007', Path = 'x', Image='2'\nwhere Line_Number = 0"},
         {"UPDATE TemplateCopy SET Template_ID = 9", "UPDATE TemplateCopy SET Template_ID = '9'"},
@@ -103,13 +97,9 @@ TEST(DialectRewrite, NumbersPlacedAsValuesAreQuotedAndNowhereElse) {
         // Not a number standing alone: expressions, names, hexadecimal, a number run into a name.
         "insert into T values(1 + 2, 12abc, 0x1F, - 5, (7), abs(-3), True, null, Default)",
         "update ValueType set [Default] = G54 where Value_ID = 3",
-        "update ValueType set [Default] = 2 * 3 where Value_ID = 3",
         "update T set A = (select max(B) from U where C = 1)",
         // Conditions and selected numbers stay numbers.
         "select * from Jobs where Pallet_Number = 007 and Job_Number = 1",
-        "delete from Jobs where Pallet_Number = 7 and Job_Number = 1",
-        "select coalesce(max(Sequence), 0) from TemplateVersion where Template_ID = 1",
-        "insert into TemplateCopy select * from TemplateData where Template_ID = 3",
     });
 }
 
@@ -128,7 +118,6 @@ TEST(DialectRewrite, LiteralsAndCommentsAreNeverTouched) {
         "select * from TemplateName\nwhere Fixture = 'truncate TemplateCopy'",
         "update Jobs set Value_1 = 'a = 1, b = 2 where', Path = '(select' where Line_Number = 0",
         "/* truncate TemplateCopy */ select 1",
-        "select * from TemplateName where Fixture = 'C:\\Jobs\\(7)'",
     });
 }
 
@@ -214,18 +203,6 @@ public:
         return r.empty() || r[0].empty() ? "<no row>" : r[0][0];
     }
 
-    // Every row of every table, to show that a refused statement changed nothing.
-    Rows snapshot() const {
-        Rows all;
-        for (const Row& table : rows("select name from sqlite_master where type = 'table' "
-                                     "order by name")) {
-            all.push_back({"table " + table[0]});
-            for (Row& r : rows("select * from \"" + table[0] + "\" order by rowid"))
-                all.push_back(std::move(r));
-        }
-        return all;
-    }
-
     static Row rowOf(sqlite3_stmt* stmt) {
         Row row;
         for (int i = 0; i < sqlite3_column_count(stmt); ++i) {
@@ -276,7 +253,7 @@ Row column(const Rows& rows, std::size_t index) {
     return out;
 }
 
-// Both databases with a small cell: three templates, a journal, defaults, two jobs.
+// Both databases with a small cell: three templates, defaults, two jobs.
 struct Cell {
     Db local{"schema_local.sql"};
     Db shared{"schema_shared.sql"};
@@ -292,12 +269,8 @@ struct Cell {
                        (1, 2, 0, 'WRK', null, '', '', 0, 0), (1, 3, 0, 'FTR', null, '', '', 0, 0),
                        (2, 0, 0, 'HDR', null, '', '', 0, 0), (2, 1, 0, 'WRK', null, '', '', 0, 0);
             insert into TemplateCopy (Template_ID, Item, Code) values (9, 0, 'HDR');
-            insert into TemplateVersion values (1, 2, 0, 1, 'DEL', '', 1), (1, 3, 0, 2, 'MOV', '1', 1),
-                (1, 3, 1, 2, 'ADD', 'G01', 1), (1, 3, 2, 3, 'ADD', 'M98', 1),
-                (2, 2, 1, 1, 'ADD', 'G01', 1);
             insert into TemplateDefaults values (1, '17', '0.25'), (1, 'G01', '2'), (2, '17', '1');
             insert into ValueType values (0, 0, 'None', ''), (17, 3, 'Feed', '0.1');
-            insert into Commands values ('G01', 'Linear', 'Linear move', 0);
             insert into Jobs (Pallet_Number, Job_Number, Line_Number, Code, Value_1, Value_2, Path)
                 values (7, 1, 0, 'HDR', 'Header', '3', ''), (7, 1, 1, 'G92', '0.500', '', ''),
                        (7, 1, 2, 'M98', '', '', ''), (7, 2, 0, 'HDR', 'Header', '1', ''),
@@ -305,12 +278,8 @@ struct Cell {
         )");
         shared.exec(R"(
             insert into FixtureList values ('FIX-A', 12.5, 'Vise');
-            insert into BasketList values (12, 0), (3, 1);
             insert into Config values (1, 0, 'Unit', '3', 'FANUC Robocut'), (1, 0, 'Unit', '4', 'Lathe'),
                 (1, 3, 'Unit', 'MachineName', 'Robocut 1'), (1, 3, 'Unit', 'DisplayNumber', '2');
-            insert into JobList (Pallet_Number, Job_Number, Template) values (7, 1, 1), (7, 2, 1),
-                                                                             (8, 1, 2);
-            insert into JobQueue values (7, 1, 'C:\Cell\P7\O0012.NC', 'O0012.NC,SUB1.NC');
         )");
     }
     Db& on(bool sharedDb) { return sharedDb ? shared : local; }
@@ -333,44 +302,17 @@ const std::string copiedSource = "delete from TemplateCopy; "
                                  "where Template_ID = 1;";
 
 std::vector<Shape> catalogue() {
-    const auto same = [](const std::string& text) { return text; };
     std::vector<Shape> shapes;
     const auto add = [&](std::string by, bool sharedDb, std::string setup, std::string text,
                          std::string translated, std::function<void(Cell&, const Rows&)> effect) {
         shapes.push_back({std::move(by), sharedDb, std::move(setup), std::move(text),
                           std::move(translated), std::move(effect)});
     };
-    std::string t;
-
-    t = "select * from TemplateName";
-    add("LoadTemplateNames, DeleteTemplate list", Local, "", t, same(t), [](Cell&, const Rows& r) {
-        EXPECT_EQ(column(r, 0), (Row{"1", "2", "4"}));
-        EXPECT_EQ(column(r, 4), (Row{"0", "1", "0"}));
-    });
-    t = "select * from TemplateName\nwhere Fixture = 'FIX-A'";
-    add("LoadTemplateNames by fixture", Local, "", t, same(t), [](Cell&, const Rows& r) {
-        EXPECT_EQ(column(r, 2), (Row{"Alpha", "Delta"}));
-    });
-    t = "select Name from TemplateName where Template_ID = 2";
-    add("GetTemplateName", Local, "", t, same(t),
-        [](Cell&, const Rows& r) { EXPECT_EQ(r, (Rows{{"Beta"}})); });
-    t = "delete from Jobs where Pallet_Number = 7 and Job_Number = 1";
-    add("DeleteJob", Local, "", t, same(t), [](Cell& c, const Rows&) {
-        EXPECT_EQ(c.local.rows("select Pallet_Number, Job_Number from Jobs"),
-                  (Rows{{"7", "2"}, {"8", "1"}}));
-    });
-    t = "select coalesce(max(Sequence), 0) from TemplateVersion where Template_ID = 1 and "
-        "Version = 3";
-    add("NextJournalSequence", Local, "", t, same(t),
-        [](Cell&, const Rows& r) { EXPECT_EQ(r, (Rows{{"2"}})); });
-    t = "select coalesce(max(Sequence), 0) from TemplateVersion where Template_ID = 1 and "
-        "Version = 4";
-    add("NextJournalSequence, first of a version", Local, "", t, same(t),
-        [](Cell&, const Rows& r) { EXPECT_EQ(r, (Rows{{"0"}})); });
-    t = "select Template_ID from TemplateName order by Template_ID";
-    add("NewTemplate, free id", Local, "", t, same(t), [](Cell&, const Rows& r) {
-        EXPECT_EQ(column(r, 0), (Row{"1", "2", "4"}));
-    });
+    // Statements passed on as written run only if the schema has what they name.
+    const std::string unit = "select [Value] from Config where Cell_Number = 1 and Unit_Number = "
+                             "3 and [Section] = 'Unit' and Item = 'MachineName'";
+    add("ReadUnitValue", Shared, "", unit, unit,
+        [](Cell&, const Rows& r) { EXPECT_EQ(r, (Rows{{"Robocut 1"}})); });
     add("NewTemplate, fresh row", Local, "",
         "insert into TemplateName values(3, 'FIX-C', '', 1, False)",
         "insert into TemplateName values('3', 'FIX-C', '', '1', False)", [](Cell& c, const Rows&) {
@@ -379,24 +321,8 @@ std::vector<Shape> catalogue() {
                                    "from TemplateName where Template_ID = 3"),
                       (Rows{{"integer", "FIX-C", "", "integer", "1", "integer", "0"}}));
         });
-    t = "delete from TemplateName where Template_ID = 4";
-    add("NewTemplate cancelled, DeleteTemplate", Local, "", t, same(t), [](Cell& c, const Rows&) {
-        EXPECT_EQ(column(c.local.rows("select Template_ID from TemplateName"), 0), (Row{"1", "2"}));
-    });
-    t = "select * from TemplateName where Template_ID <> 1";
-    add("CopyTemplate list", Local, "", t, same(t), [](Cell&, const Rows& r) {
-        EXPECT_EQ(column(r, 0), (Row{"2", "4"}));
-    });
-    t = "delete from TemplateData where Template_ID = 2";
-    add("CopyTemplate step 1, DeleteTemplate", Local, "", t, same(t), [](Cell& c, const Rows&) {
-        EXPECT_EQ(c.local.rows("select distinct Template_ID from TemplateData"), (Rows{{"1"}}));
-    });
     add("CopyTemplate step 2, a leftover row", Local, "", "truncate TemplateCopy",
         "delete from TemplateCopy", [](Cell& c, const Rows&) {
-            EXPECT_EQ(c.local.value("select count(*) from TemplateCopy"), "0");
-        });
-    add("CopyTemplate step 2, already empty", Local, "delete from TemplateCopy",
-        "truncate TemplateCopy", "delete from TemplateCopy", [](Cell& c, const Rows&) {
             EXPECT_EQ(c.local.value("select count(*) from TemplateCopy"), "0");
         });
     add("CopyTemplate step 3", Local, "delete from TemplateCopy",
@@ -413,85 +339,16 @@ std::vector<Shape> catalogue() {
                                    "from TemplateCopy group by 1, 2"),
                       (Rows{{"integer", "2", "4"}}));
         });
-    add("CopyTemplate step 5", Local,
-        "delete from TemplateData where Template_ID = 2; " + copiedSource +
-            " update TemplateCopy set Template_ID = 2;",
-        "insert into TemplateData (select * from TemplateCopy)",
-        "insert into TemplateData select * from TemplateCopy", [](Cell& c, const Rows&) {
-            const std::string rest = "Item, Node_Level, Code, Syntax, Value_1, Value_2, Value_3, "
-                                     "Value_4, Value_5, Value_6, Reserved, Locked, Special";
-            EXPECT_EQ(c.local.rows("select " + rest + " from TemplateData where Template_ID = 2"),
-                      c.local.rows("select " + rest + " from TemplateData where Template_ID = 1"));
-        });
-    t = "select count(*) from JobList where Template = 1";
-    add("DeleteTemplate, use count", Shared, "", t, same(t),
-        [](Cell&, const Rows& r) { EXPECT_EQ(r, (Rows{{"2"}})); });
-    t = "delete from TemplateDefaults where Template_ID = 1";
-    add("DeleteTemplate", Local, "", t, same(t), [](Cell& c, const Rows&) {
-        EXPECT_EQ(c.local.rows("select Template_ID, Value_ID from TemplateDefaults"),
-                  (Rows{{"2", "17"}}));
-    });
-    t = "delete from TemplateVersion where Template_ID = 1";
-    add("DeleteTemplate", Local, "", t, same(t), [](Cell& c, const Rows&) {
-        EXPECT_EQ(c.local.rows("select distinct Template_ID from TemplateVersion"), (Rows{{"2"}}));
-    });
-    t = "update Jobs set Value_2 = '4' where Pallet_Number = 7 and Job_Number = 1 and "
-        "Line_Number = 0";
-    add("SetJobHeaderValue", Local, "", t, same(t), [](Cell& c, const Rows&) {
-        EXPECT_EQ(c.local.rows("select Value_2 from Jobs where Line_Number = 0"),
-                  (Rows{{"4"}, {"1"}, {"1"}}));
-    });
-    t = "update Jobs set Value_6 = '0012' where Pallet_Number = 7 and Job_Number = 1 and "
-        "Line_Number = 0";
-    add("SetJobHeaderValue, program number", Local, "", t, same(t), [](Cell& c, const Rows&) {
-        EXPECT_EQ(c.local.value("select Value_6 from Jobs where Pallet_Number = 7 and "
-                                "Job_Number = 1 and Line_Number = 0"),
-                  "0012");
-    });
-    t = "update Jobs set Path = 'C:\\Cell\\P7\\O0012.NC' where Pallet_Number = 7 and "
-        "Job_Number = 1 and Line_Number = 0";
-    add("SetJobHeaderValue, master program", Local, "", t, same(t), [](Cell& c, const Rows&) {
-        EXPECT_EQ(c.local.value("select Path from Jobs where Pallet_Number = 7 and "
-                                "Job_Number = 1 and Line_Number = 0"),
-                  "C:\\Cell\\P7\\O0012.NC");
-    });
-    t = "update Jobs set Value_1 = '12', Path = 'C:\\Cell\\Include\\O0012.NC' where "
-        "Pallet_Number = 7 and Job_Number = 1 and Line_Number = 2";
-    add("btnFilenameClick", Local, "", t, same(t), [](Cell& c, const Rows&) {
-        EXPECT_EQ(c.local.rows("select Line_Number, Value_1, Path from Jobs where "
-                               "Pallet_Number = 7 and Job_Number = 1 and Path <> ''"),
-                  (Rows{{"2", "12", "C:\\Cell\\Include\\O0012.NC"}}));
-    });
-    t = "select [Default] from ValueType where Value_ID = 17";
-    add("GetGlobalDefaultValue", Local, "", t, same(t),
-        [](Cell&, const Rows& r) { EXPECT_EQ(r, (Rows{{"0.1"}})); });
-    t = "delete from TemplateDefaults where Template_ID = 1 and Value_ID = 'G01'";
-    add("SetLocalDefaultSyntax", Local, "", t, same(t), [](Cell& c, const Rows&) {
-        EXPECT_EQ(c.local.rows("select Template_ID, Value_ID from TemplateDefaults"),
-                  (Rows{{"1", "17"}, {"2", "17"}}));
-    });
-    t = "delete from TemplateDefaults where Template_ID = 1 and Value_ID = '17'";
-    add("SetLocalDefaultValue", Local, "", t, same(t), [](Cell& c, const Rows&) {
-        EXPECT_EQ(c.local.rows("select Template_ID, Value_ID from TemplateDefaults"),
-                  (Rows{{"1", "G01"}, {"2", "17"}}));
-    });
-    add("SetLocalDefaultSyntax", Local, "delete from TemplateDefaults where Value_ID = 'G01'",
-        "insert into TemplateDefaults (Template_ID, Value_ID, Default) values(1, 'G01', '3')",
-        "insert into TemplateDefaults (Template_ID, Value_ID, [Default]) values('1', 'G01', '3')",
-        [](Cell& c, const Rows&) {
-            EXPECT_EQ(c.local.rows("select typeof(Template_ID), [Default] from TemplateDefaults "
-                                   "where Template_ID = 1 and Value_ID = 'G01'"),
-                      (Rows{{"integer", "3"}}));
-        });
     add("SetLocalDefaultValue", Local, "delete from TemplateDefaults where Value_ID = '17'",
         "insert into TemplateDefaults (Template_ID, Value_ID, Default) values(1, '17', '0.500')",
         "insert into TemplateDefaults (Template_ID, Value_ID, [Default]) values('1', '17', "
         "'0.500')",
         [](Cell& c, const Rows&) {
-            EXPECT_EQ(c.local.rows("select Value_ID, [Default] from TemplateDefaults"),
-                      (Rows{{"G01", "2"}, {"17", "0.500"}}));
+            EXPECT_EQ(c.local.rows("select typeof(Template_ID), Value_ID, [Default] from "
+                                   "TemplateDefaults where Template_ID = 1 order by rowid"),
+                      (Rows{{"integer", "G01", "2"}, {"integer", "17", "0.500"}}));
         });
-    for (const std::string typed : {"0.500", "007", "-2.50", "12"}) {
+    for (const std::string typed : {"0.500", "007"}) {
         add("SetGlobalDefaultValue, " + typed, Local, "",
             "update ValueType set [Default] = " + typed + " where Value_ID = 17",
             "update ValueType set [Default] = '" + typed + "' where Value_ID = 17",
@@ -500,24 +357,6 @@ std::vector<Shape> catalogue() {
                           (Rows{{"text", ""}, {"text", typed}}));
             });
     }
-    t = "select * from Config where Unit_Number = 0 and [Section] = 'Unit'";
-    add("LoadMachines", Shared, "", t, same(t), [](Cell&, const Rows& r) {
-        EXPECT_EQ(column(r, 4), (Row{"FANUC Robocut", "Lathe"}));
-    });
-    t = "select [Value] from Config where Cell_Number = 1 and Unit_Number = 3 and [Section] = "
-        "'Unit' and Item = 'MachineName'";
-    add("ReadUnitValue", Shared, "", t, same(t),
-        [](Cell&, const Rows& r) { EXPECT_EQ(r, (Rows{{"Robocut 1"}})); });
-    t = "select * from BasketList order by Basket_Number";
-    add("LoadBaskets", Shared, "", t, same(t), [](Cell&, const Rows& r) {
-        EXPECT_EQ(r, (Rows{{"3", "1"}, {"12", "0"}}));
-    });
-    t = "select Command_File from JobQueue where Pallet_Number = 7 and Job_Number = 1";
-    add("QueueCommandFile", Shared, "", t, same(t),
-        [](Cell&, const Rows& r) { EXPECT_EQ(r, (Rows{{"C:\\Cell\\P7\\O0012.NC"}})); });
-    t = "select File_List from JobQueue where Pallet_Number = 7 and Job_Number = 1";
-    add("QueueFileList", Shared, "", t, same(t),
-        [](Cell&, const Rows& r) { EXPECT_EQ(r, (Rows{{"O0012.NC,SUB1.NC"}})); });
     return shapes;
 }
 
@@ -594,57 +433,6 @@ TEST(StatementCatalogue, QuotedNumbersTakeTheTypeOfTheirColumn) {
     EXPECT_EQ(cell.shared.rows("select typeof(Part_Number), Part_Number, typeof(Z), Z, "
                                "Description from FixtureList where Part_Number = '1234'"),
               (Rows{{"text", "1234", "real", "12.5", "007"}}));
-}
-
-// Values are placed unescaped: a quote, a non-number or an empty text breaks the statement.
-// The engine reports it and nothing runs, neither the statement nor anything behind it.
-TEST(StatementCatalogue, BrokenValuesFailAndChangeNothing) {
-    struct Broken {
-        std::string issuedBy;
-        bool shared;
-        std::string text;
-        std::string error; // part of the engine's message
-    };
-    const std::vector<Broken> cases = {
-        {"LoadTemplateNames", Local, "select * from TemplateName\nwhere Fixture = 'O'Brien'",
-         "near \"Brien\": syntax error"},
-        {"LoadTemplateNames", Local,
-         "select * from TemplateName\nwhere Fixture = 'x'; delete from Jobs; --'",
-         "text after the first statement"},
-        {"SetJobHeaderValue", Local,
-         "update Jobs set Path = 'C:\\Jobs\\O'Brien\\O0012.NC' where Pallet_Number = 7 and "
-         "Job_Number = 1 and Line_Number = 0",
-         "near \"Brien\": syntax error"},
-        {"SetJobHeaderValue", Local,
-         "update Jobs set Value_3 = '1'; delete from Jobs where '' = '' where Pallet_Number = 7 "
-         "and "
-         "Job_Number = 1 and Line_Number = 0",
-         "text after the first statement"},
-        {"SetLocalDefaultValue", Local,
-         "insert into TemplateDefaults (Template_ID, Value_ID, Default) values(1, '17', 'it's')",
-         "near \"s\": syntax error"},
-        {"SetGlobalDefaultValue", Local, "update ValueType set [Default] = G54 where Value_ID = 17",
-         "no such column: G54"},
-        {"SetGlobalDefaultValue", Local, "update ValueType set [Default] =  where Value_ID = 17",
-         "syntax error"},
-        {"DeleteJob", Local, "delete from Jobs where Pallet_Number = 7a and Job_Number = 1",
-         "unrecognized token"},
-        {"DeleteJob", Local, "delete from Jobs where Pallet_Number = P7 and Job_Number = 1",
-         "no such column: P7"},
-        {"QueueCommandFile", Shared,
-         "select Command_File from JobQueue where Pallet_Number =  and Job_Number = 1",
-         "syntax error"},
-    };
-    for (const Broken& b : cases) {
-        SCOPED_TRACE(b.issuedBy + ": " + b.text);
-        Cell cell;
-        const Rows localBefore = cell.local.snapshot();
-        const Rows sharedBefore = cell.shared.snapshot();
-        const Outcome out = runStatement(cell.on(b.shared), b.text);
-        EXPECT_NE(out.error.find(b.error), std::string::npos) << out.error;
-        EXPECT_EQ(cell.local.snapshot(), localBefore);
-        EXPECT_EQ(cell.shared.snapshot(), sharedBefore);
-    }
 }
 
 } // namespace

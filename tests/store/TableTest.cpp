@@ -42,13 +42,20 @@ protected:
     }
 
     // Adds lines 0..count-1 of a job through the table.
-    void addLines(Table& t, int pallet, int job, int count) {
+    void addLines(int pallet, int job, int count) {
         for (int i = 0; i < count; ++i)
             t.appendRecord({pallet, job, i, "C" + std::to_string(i)});
     }
 
+    // Opens Jobs in key order.
+    void openJobs() {
+        t.open();
+        t.setIndexName("Primary");
+    }
+
     testsupport::TempDir dir;
     Database db{"Local", "Default"};
+    Table t{db, "Jobs"};
 };
 
 std::vector<int> walkLines(Table& t) {
@@ -64,12 +71,11 @@ std::vector<int> walkLines(Table& t) {
 } // namespace
 
 TEST_F(TableTest, MovesSetFlagsOnlyWhenAMoveFails) {
-    Table t(db, "Jobs");
     t.open();
     EXPECT_TRUE(t.eof());
     EXPECT_TRUE(t.bof());
     t.setIndexName("Primary");
-    addLines(t, 1, 1, 3);
+    addLines(1, 1, 3);
     t.first();
     EXPECT_TRUE(t.bof());
     EXPECT_FALSE(t.eof());
@@ -93,9 +99,7 @@ TEST_F(TableTest, MovesSetFlagsOnlyWhenAMoveFails) {
 }
 
 TEST_F(TableTest, KeyOrderNotInsertionOrderAndDuplicatesKeepWriteOrder) {
-    Table t(db, "Jobs");
-    t.open();
-    t.setIndexName("Primary");
+    openJobs();
     t.appendRecord({2, 1, 0});
     t.appendRecord({1, 1, 5});
     t.appendRecord({1, 1, 1});
@@ -129,12 +133,10 @@ TEST_F(TableTest, KeyOrderNotInsertionOrderAndDuplicatesKeepWriteOrder) {
 }
 
 TEST_F(TableTest, FiltersLandOnFirstRowAndBoundEveryMove) {
-    Table t(db, "Jobs");
-    t.open();
-    t.setIndexName("Primary");
-    addLines(t, 1, 1, 4);
-    addLines(t, 1, 2, 3);
-    addLines(t, 2, 1, 2);
+    openJobs();
+    addLines(1, 1, 4);
+    addLines(1, 2, 3);
+    addLines(2, 1, 2);
     t.findKey({1, 1, 3});
     t.setFiltered(false); // same state again: still back to the first row
     EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 0);
@@ -178,12 +180,10 @@ TEST_F(TableTest, FiltersLandOnFirstRowAndBoundEveryMove) {
 }
 
 TEST_F(TableTest, PinnedFilterStepsMatchFullScanAcrossJobBorders) {
-    Table t(db, "Jobs");
-    t.open();
-    t.setIndexName("Primary");
-    addLines(t, 1, 1, 5);
-    addLines(t, 1, 2, 5);
-    addLines(t, 2, 2, 5);
+    openJobs();
+    addLines(1, 1, 5);
+    addLines(1, 2, 5);
+    addLines(2, 2, 5);
     t.setFilter("Pallet_Number = 1 and Job_Number = 2");
     t.setFiltered(true);
     EXPECT_EQ(walkLines(t), (std::vector<int>{0, 1, 2, 3, 4}));
@@ -202,12 +202,11 @@ TEST_F(TableTest, PinnedFilterStepsMatchFullScanAcrossJobBorders) {
 }
 
 TEST_F(TableTest, SeeksOnLeadingKeyColumns) {
-    Table t(db, "Jobs");
     t.open();
     EXPECT_THROW(t.findKey({1}), StoreError); // no index selected yet
     t.setIndexName("Primary");
-    addLines(t, 3, 1, 3);
-    addLines(t, 5, 2, 3);
+    addLines(3, 1, 3);
+    addLines(5, 2, 3);
     EXPECT_TRUE(t.findKey({5}));
     EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 0);
     EXPECT_TRUE(t.findKey({"3", "1", "2"})); // text values meet an integer key
@@ -222,10 +221,8 @@ TEST_F(TableTest, SeeksOnLeadingKeyColumns) {
 }
 
 TEST_F(TableTest, EditPostWritesChangedColumnsAndFollowsKey) {
-    Table t(db, "Jobs");
-    t.open();
-    t.setIndexName("Primary");
-    addLines(t, 1, 1, 3);
+    openJobs();
+    addLines(1, 1, 3);
     t.findKey({1, 1, 1});
     t.edit();
     t.fieldByName("Value_1").setAsString("0.500");
@@ -270,10 +267,8 @@ TEST_F(TableTest, EditPostWritesChangedColumnsAndFollowsKey) {
 }
 
 TEST_F(TableTest, PostAndDeleteNeverReachARowThatReusedTheRowid) {
-    Table t(db, "Jobs");
-    t.open();
-    t.setIndexName("Primary");
-    addLines(t, 1, 1, 3);
+    openJobs();
+    addLines(1, 1, 3);
     Query q(db);
     // The last row is deleted behind the cursor and its rowid given to a new row.
     const auto reuseLastRowid = [&] {
@@ -312,10 +307,8 @@ TEST_F(TableTest, PostAndDeleteNeverReachARowThatReusedTheRowid) {
 }
 
 TEST_F(TableTest, FilterWithAnEngineParameterIsRefusedAndChangesNothing) {
-    Table t(db, "Jobs");
-    t.open();
-    t.setIndexName("Primary");
-    addLines(t, 1, 1, 3);
+    openJobs();
+    addLines(1, 1, 3);
     t.setFilter("Code = ?");
     for (const auto& attempt : std::vector<std::function<void()>>{
              [&] { t.setFiltered(true); }, [&] { t.refilter("Line_Number = :line"); },
@@ -356,10 +349,8 @@ TEST_F(TableTest, IntegerPrimaryKeyChangeMovesCursor) {
 }
 
 TEST_F(TableTest, DeleteMovesToNextOrNewLast) {
-    Table t(db, "Jobs");
-    t.open();
-    t.setIndexName("Primary");
-    addLines(t, 1, 1, 4);
+    openJobs();
+    addLines(1, 1, 4);
     t.findKey({1, 1, 1});
     t.deleteRecord();
     EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 2);
@@ -375,10 +366,8 @@ TEST_F(TableTest, DeleteMovesToNextOrNewLast) {
 }
 
 TEST_F(TableTest, InsertByPositionLeavesNullsAndStandsOnNewRow) {
-    Table t(db, "Jobs");
-    t.open();
-    t.setIndexName("Primary");
-    addLines(t, 1, 1, 3);
+    openJobs();
+    addLines(1, 1, 3);
     t.insertRecord({1, 1, 10, "G01"});
     EXPECT_EQ(t.fieldByName("Line_Number").asInteger(), 10);
     EXPECT_TRUE(t.fieldByName("Script_Line").isNull());
@@ -405,11 +394,9 @@ TEST_F(TableTest, InsertByPositionLeavesNullsAndStandsOnNewRow) {
 }
 
 TEST_F(TableTest, LongScansSeeWritesMadeDuringThem) {
-    Table t(db, "Jobs");
-    t.open();
-    t.setIndexName("Primary");
-    addLines(t, 1, 1, 80);
-    addLines(t, 1, 2, 3);
+    openJobs();
+    addLines(1, 1, 80);
+    addLines(1, 2, 3);
     t.refilter("Pallet_Number = 1 and Job_Number = 1");
     std::vector<int> expected(80);
     for (int i = 0; i < 80; ++i)
@@ -447,10 +434,8 @@ TEST_F(TableTest, LongScansSeeWritesMadeDuringThem) {
 }
 
 TEST_F(TableTest, StatementChangesSeenAtNextMoveAndBookmarks) {
-    Table t(db, "Jobs");
-    t.open();
-    t.setIndexName("Primary");
-    addLines(t, 1, 1, 5);
+    openJobs();
+    addLines(1, 1, 5);
     t.findKey({1, 1, 1});
     auto mark = t.getBookmark();
     Query q(db);
