@@ -12,6 +12,8 @@
 #include <QTabWidget>
 
 #include <algorithm>
+#include <optional>
+#include <string>
 
 namespace {
 
@@ -23,6 +25,28 @@ QTreeWidgetItem* stepNode(QTreeWidget* tree, QTreeWidgetItem* node, int steps) {
         return nullptr;
     const int index = std::clamp((node ? tree::AbsoluteIndex(node) : -1) + steps, 0, last);
     return tree::FindNodeByIndex(tree, index);
+}
+
+// The Script_Line of the job row before `line`, read past the job's cursor so that the bound
+// boxes do not show the neighbour and back; nothing when there is no such row or its value is
+// no text, where the cursor itself must look.
+std::optional<std::string> priorScriptLine(int pallet, int job, int line) {
+    auto& stmt = DM().LocalDatabase.cached(
+        "select Script_Line from Jobs where Pallet_Number = ? and Job_Number = ? and "
+        "Line_Number < ? order by Line_Number desc limit 1");
+    stmt.bind(1, store::Value(pallet));
+    stmt.bind(2, store::Value(job));
+    stmt.bind(3, store::Value(line));
+    std::optional<std::string> text;
+    if (stmt.step()) {
+        const store::Value value = stmt.column(0);
+        if (value.isText())
+            text = value.text();
+        else if (value.isNull())
+            text = std::string();
+    }
+    stmt.reset();
+    return text;
 }
 
 constexpr const char* SectionDescription =
@@ -79,10 +103,18 @@ void TdlgJob::tvwTemplateChange(QObject* Sender, QTreeWidgetItem* Node) {
         if (level > 0) {
             // A line equal to the one before is merged into it.
             const std::string line = jobs.fieldByName(schema::Script_Line).asString();
-            jobs.prior();
-            if (jobs.fieldByName(schema::Script_Line).asString() == line)
-                dbtScriptLine->setEnabled(false);
-            jobs.next();
+            jobs.checkBrowseMode();
+            const auto before = priorScriptLine(FPalletNumber, FJobNumber,
+                                                jobs.fieldByName(schema::Line_Number).asInteger());
+            if (before) {
+                if (*before == line)
+                    dbtScriptLine->setEnabled(false);
+            } else {
+                jobs.prior();
+                if (jobs.fieldByName(schema::Script_Line).asString() == line)
+                    dbtScriptLine->setEnabled(false);
+                jobs.next();
+            }
         }
         const QSignalBlocker blocker(btnSkip);
         btnSkip->setChecked(jobs.fieldByName(schema::Image).asInteger() == 3);

@@ -89,6 +89,39 @@ bool rowContinued(int pallet, int job, int line) {
     return (flag.isText() && flag.text() == "1") || (flag.isInteger() && flag.integer() == 1);
 }
 
+// The nearest running number before `line`, as NumberSequenceValue's walk finds it (-1 for
+// none), read past the job's cursor; moves the Syntax cursor as the walk does. False, having
+// found nothing, when a row holds values of a kind the cursor's own conversions must read.
+bool earlierRunningNumber(int pallet, int job, int line, int& found) {
+    auto& stmt = DM().LocalDatabase.cached(
+        "select Code, Syntax_Item, Value_1 from Jobs where Pallet_Number = ? and Job_Number = ? "
+        "and Line_Number < ? order by Line_Number desc");
+    stmt.bind(1, store::Value(pallet));
+    stmt.bind(2, store::Value(job));
+    stmt.bind(3, store::Value(line));
+    struct ResetAfter {
+        store::Statement& s;
+        ~ResetAfter() { s.reset(); }
+    } resetAfter{stmt};
+    const auto text = [](const store::Value& v) { return v.isText() ? v.text() : std::string(); };
+    found = -1;
+    while (stmt.step()) {
+        const store::Value code = stmt.column(0);
+        const store::Value item = stmt.column(1);
+        const store::Value value = stmt.column(2);
+        if (!(code.isText() || code.isNull()) || !(item.isInteger() || item.isNull()) ||
+            !(value.isText() || value.isNull()))
+            return false;
+        syntax().findNearest(
+            {text(code), item.isInteger() ? static_cast<int>(item.integer()) : 0, ""});
+        if (syntax().fieldByName(schema::Value_Type_1).asInteger() == RunningNumberType) {
+            found = common::strToIntDef(text(value), 0);
+            return true;
+        }
+    }
+    return true;
+}
+
 void setPageCaption(QTabWidget* pages, QWidget* page, const char* caption) {
     pages->setTabText(pages->indexOf(page), caption);
 }
@@ -385,13 +418,18 @@ void TdlgJob::NumberSequenceValue() {
     if (syntax().fieldByName(schema::Value_Type_1).asInteger() != RunningNumberType ||
         !jobText(schema::Value_1).empty())
         return;
-    // Backward from the row before this one: the nearest earlier running number.
+    // Backward from the row before this one: the nearest earlier running number. The rows are
+    // read past the job's cursor while their values are plain; the cursor walks otherwise.
+    table.checkBrowseMode();
     int found = -1;
-    for (table.prior(); !table.bof(); table.prior()) {
-        syntax().findNearest({jobText(schema::Code), jobInt(schema::Syntax_Item), ""});
-        if (syntax().fieldByName(schema::Value_Type_1).asInteger() == RunningNumberType) {
-            found = common::strToIntDef(jobText(schema::Value_1), 0);
-            break;
+    if (!earlierRunningNumber(FPalletNumber, FJobNumber, jobInt(schema::Line_Number), found)) {
+        found = -1;
+        for (table.prior(); !table.bof(); table.prior()) {
+            syntax().findNearest({jobText(schema::Code), jobInt(schema::Syntax_Item), ""});
+            if (syntax().fieldByName(schema::Value_Type_1).asInteger() == RunningNumberType) {
+                found = common::strToIntDef(jobText(schema::Value_1), 0);
+                break;
+            }
         }
     }
     const int number = found == -1 ? 1 : (found == 0 ? 0 : found + 1);

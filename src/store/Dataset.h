@@ -94,6 +94,8 @@ public:
     virtual void edit();
     virtual void post();
     virtual void cancel();
+    // Posts a pending edit (cancels one that changed nothing), as a move would first.
+    void checkBrowseMode() { settlePendingEdit(); }
     virtual void deleteRecord();
     // One row from values by column position; fewer values leave nulls. Posts at once.
     virtual void insertRecord(const std::vector<Value>& values);
