@@ -1097,7 +1097,9 @@ void Table::gotoBookmark(const Bookmark& bookmark) {
     settlePendingEdit();
     if (!bookmark.valid)
         throw StoreError("Invalid bookmark on table " + tableName_);
-    if (!readByRowid(bookmark.rowid))
+    // Back to the row the cursor stands on, which nothing can have changed: no read.
+    const bool here = hasRow_ && rowid_ == bookmark.rowid && rowUnchangedSinceRead();
+    if (!here && !readByRowid(bookmark.rowid))
         throw StoreError("Record not found: the bookmarked row of table " + tableName_ +
                          " no longer exists");
     bof_ = eof_ = false;

@@ -133,6 +133,7 @@ TEST_F(CursorCacheTest, ChangesSinceTheRowsWereReadAreSeen) {
         tx.commit();
     }
     // Another connection commits between two transactions of this one.
+    store::Bookmark mark;
     other.execute("update Syntax set Description = 'theirs' where Code = 'B' and Item = 2");
     other.execute("insert into Syntax values ('B', 1, 'VV', 'new')");
     {
@@ -143,7 +144,14 @@ TEST_F(CursorCacheTest, ChangesSinceTheRowsWereReadAreSeen) {
         EXPECT_EQ(description(), "new");
         t.prior();
         EXPECT_EQ(description(), "B.1.UV");
+        mark = t.getBookmark();
         tx.commit();
+    }
+    // The row a bookmark stands on, deleted meanwhile, is not found again from memory.
+    other.execute("delete from Syntax where Code = 'B' and Item = 1 and Command = 'UV'");
+    {
+        store::Transaction tx(db);
+        EXPECT_THROW(t.gotoBookmark(mark), store::StoreError);
     }
     // A row deleted by the other connection is not posted to, even by an edit that changes
     // nothing: outside the transaction the edit is written and finds the row gone.
