@@ -10,25 +10,33 @@
 #include "template/Template.h"
 #include "template/TemplatePlugins.h"
 
-#include <functional>
+#include <sqlite3.h>
 
 #include <filesystem>
+#include <functional>
 #include <system_error>
 
 namespace boundary {
 
 namespace {
 
-// Runs a statement that holds a fixture name as it stands; a name that breaks the statement is
-// named before the engine's words.
-void withFixture(const std::string& fixture, const std::function<void()>& run) {
+// Runs a statement that holds text given by the caller as it stands; text that breaks the
+// statement is named before the engine's words. Other failures (a locked file, say) pass as they
+// are.
+void withCallerText(const std::string& what, const std::function<void()>& run) {
     try {
         run();
     } catch (const store::StoreError& e) {
-        throw store::StoreError("The fixture name " + fixture +
-                                    " cannot be used in a statement: " + e.what(),
+        const int code = e.engineCode() & 0xff;
+        if (code != SQLITE_ERROR && code != SQLITE_MISUSE)
+            throw;
+        throw store::StoreError(what + " cannot be used in a statement: " + e.what(),
                                 e.engineCode());
     }
+}
+
+void withFixture(const std::string& fixture, const std::function<void()>& run) {
+    withCallerText("The fixture name " + fixture, run);
 }
 
 } // namespace
@@ -128,7 +136,8 @@ void DeleteJob(const std::string& palletNumber, const std::string& jobNumber) {
     auto query = DM().NewLocalQuery();
     query->setSql(common::format("delete from Jobs where Pallet_Number = %s and Job_Number = %s",
                                  {palletNumber, jobNumber}));
-    query->execSQL();
+    withCallerText("The pallet number " + palletNumber + " or job number " + jobNumber,
+                   [&] { query->execSQL(); });
 }
 
 void NewTemplate(const std::string& fixture, std::int32_t workpieces, std::string& name) {

@@ -134,6 +134,8 @@ TEST_F(ExportsTest, TemplateNamesAndLookups) {
     text = storeError(
         [&] { boundary::LoadTemplateNames("x'; delete from TemplateName; --", list, true); });
     EXPECT_FALSE(text.empty());
+    text = storeError([&] { boundary::DeleteJob("7'", "1"); });
+    EXPECT_EQ(text.rfind("The pallet number 7' or job number 1 cannot be used", 0), 0u) << text;
     boundary::GetTemplateName(3, name);
     EXPECT_EQ(name, "Three");
 
