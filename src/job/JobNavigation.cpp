@@ -1,5 +1,6 @@
 // The selection handler: what the pages show for the selected line.
 #include "job/Job.h"
+#include "job/JobRows.h"
 
 #include "dialogs/EventsGuard.h"
 #include "store/DataMod.h"
@@ -31,22 +32,17 @@ QTreeWidgetItem* stepNode(QTreeWidget* tree, QTreeWidgetItem* node, int steps) {
 // boxes do not show the neighbour and back; nothing when there is no such row or its value is
 // no text, where the cursor itself must look.
 std::optional<std::string> priorScriptLine(int pallet, int job, int line) {
-    auto& stmt = DM().LocalDatabase.cached(
-        "select Script_Line from Jobs where Pallet_Number = ? and Job_Number = ? and "
-        "Line_Number < ? order by Line_Number desc limit 1");
-    stmt.bind(1, store::Value(pallet));
-    stmt.bind(2, store::Value(job));
-    stmt.bind(3, store::Value(line));
-    std::optional<std::string> text;
-    if (stmt.step()) {
-        const store::Value value = stmt.column(0);
-        if (value.isText())
-            text = value.text();
-        else if (value.isNull())
-            text = std::string();
-    }
-    stmt.reset();
-    return text;
+    JobRowsReader stmt("select Script_Line from Jobs where Pallet_Number = ? and Job_Number = ? "
+                       "and Line_Number < ? order by Line_Number desc limit 1",
+                       pallet, job, line);
+    if (!stmt.step())
+        return std::nullopt;
+    const store::Value value = stmt.column(0);
+    if (value.isText())
+        return value.text();
+    if (value.isNull())
+        return std::string();
+    return std::nullopt;
 }
 
 constexpr const char* SectionDescription =

@@ -2,6 +2,7 @@
 // pages, a command's line with its sub-items, joined lines, running numbers, the script view's
 // lines and the roll-up of a line's status.
 #include "job/Job.h"
+#include "job/JobRows.h"
 
 #include "common/Convert.h"
 #include "common/Format.h"
@@ -64,16 +65,10 @@ void seekRowSyntax() { syntax().findNearest({jobText(schema::Code), jobInt(schem
 // read past the job's cursor: the bound boxes do not follow a look at a neighbour. Moves the
 // Syntax cursor as IsLineContinued does.
 bool rowContinued(int pallet, int job, int line) {
-    auto& stmt = DM().LocalDatabase.cached(
+    JobRowsReader stmt(
         "select Node_Level, Code, Syntax_Item, Value_1, Value_2, Value_3, Value_4, Value_5, "
-        "Value_6 from Jobs where Pallet_Number = ? and Job_Number = ? and Line_Number = ?");
-    stmt.bind(1, store::Value(pallet));
-    stmt.bind(2, store::Value(job));
-    stmt.bind(3, store::Value(line));
-    struct ResetAfter {
-        store::Statement& s;
-        ~ResetAfter() { s.reset(); }
-    } resetAfter{stmt};
+        "Value_6 from Jobs where Pallet_Number = ? and Job_Number = ? and Line_Number = ?",
+        pallet, job, line);
     if (!stmt.step() || stmt.columnInteger(0) == 0)
         return false;
     const store::Value code = stmt.column(1);
@@ -93,16 +88,10 @@ bool rowContinued(int pallet, int job, int line) {
 // none), read past the job's cursor; moves the Syntax cursor as the walk does. False, having
 // found nothing, when a row holds values of a kind the cursor's own conversions must read.
 bool earlierRunningNumber(int pallet, int job, int line, int& found) {
-    auto& stmt = DM().LocalDatabase.cached(
+    JobRowsReader stmt(
         "select Code, Syntax_Item, Value_1 from Jobs where Pallet_Number = ? and Job_Number = ? "
-        "and Line_Number < ? order by Line_Number desc");
-    stmt.bind(1, store::Value(pallet));
-    stmt.bind(2, store::Value(job));
-    stmt.bind(3, store::Value(line));
-    struct ResetAfter {
-        store::Statement& s;
-        ~ResetAfter() { s.reset(); }
-    } resetAfter{stmt};
+        "and Line_Number < ? order by Line_Number desc",
+        pallet, job, line);
     const auto text = [](const store::Value& v) { return v.isText() ? v.text() : std::string(); };
     found = -1;
     while (stmt.step()) {
