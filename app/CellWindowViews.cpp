@@ -3,6 +3,7 @@
 
 #include "CellHostStore.h"
 
+#include "common/Windows1252.h"
 #include "dialogs/WaitCursor.h"
 
 #include <QCryptographicHash>
@@ -33,18 +34,8 @@ QDateTime storeChanged(const QString& cellDir) {
 } // namespace
 
 QString fromWindows1252(const QByteArray& bytes) {
-    // 0x80 to 0x9F; the other bytes are the Latin-1 code points of the same number.
-    static const char16_t high[32] = {
-        0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-        0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD, 0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-        0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
-    QString text;
-    text.reserve(bytes.size());
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        text.append(byte >= 0x80 && byte < 0xA0 ? QChar(high[byte - 0x80]) : QChar(byte));
-    }
-    return text;
+    return QString::fromStdString(
+        common::fromWindows1252(std::string_view(bytes.constData(), bytes.size())));
 }
 
 void CellWindow::showProgram() {

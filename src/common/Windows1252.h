@@ -9,4 +9,7 @@ namespace common {
 // valid UTF-8, becomes '?'.
 std::string toWindows1252(std::string_view utf8);
 
+// Windows-1252 bytes as UTF-8 text; a byte the code page leaves undefined becomes U+FFFD.
+std::string fromWindows1252(std::string_view bytes);
+
 } // namespace common
