@@ -1,6 +1,4 @@
-// A C plug-in of the template editor through the C ABI: added before the host has a Qt
-// application, served at an opening of the editor, and changing the selected command through the
-// accessors. Runs in a child process, so that the host's application ends with it.
+// A C plug-in of the template editor through the C ABI, in a child process.
 #include "AbiHost.h"
 #include "RobocutAbi.h"
 

@@ -1,6 +1,4 @@
-// The template editor through the C ABI: it needs the host's Qt application, and a cancelled
-// NewTemplate leaves no template behind. Each case runs in a child process, so that the host's
-// application and the library's windows never outlive one another.
+// The template editor through the C ABI, each case in a child process with its own application.
 #include "AbiHost.h"
 #include "RobocutAbi.h"
 

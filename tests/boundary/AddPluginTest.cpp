@@ -1,5 +1,4 @@
-// AddPlugin as the host calls it: only "Template Enhancement" libraries are kept, in order and with
-// duplicates, from before the load until the module is unloaded.
+// AddPlugin keeps only "Template Enhancement" libraries, in order, until the module is unloaded.
 #include "boundary/Exports.h"
 #include "template/TemplatePlugins.h"
 

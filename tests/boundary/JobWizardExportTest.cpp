@@ -1,6 +1,4 @@
-// The job wizard export as a host calls it: shown when the job opens, otherwise the report goes
-// to the host's "GetJobInfo" with what the form knows of the job. The unattended report from the
-// queue is covered through the C library and the command line.
+// The job wizard export: shown when the job opens, otherwise reported to the host's GetJobInfo.
 #include "boundary/Exports.h"
 #include "job/Job.h"
 #include "store/DataMod.h"

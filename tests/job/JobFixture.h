@@ -1,7 +1,5 @@
 #pragma once
-// A demo cell with the store module open on it and a job wizard form for pallet 7, job 1 of the
-// demo template. The form is gone before the store module, and no window is left behind. The test
-// main provides the QApplication.
+// The demo cell's store open and a job wizard form for pallet 7, job 1; no window left behind.
 #include "job/Job.h"
 #include "store/DataMod.h"
 #include "support/CellFixture.h"

@@ -1,5 +1,4 @@
-// Choosing a machine in cmbMachines: its programs are read over the stand-in FOCAS library, and
-// every failure shows its boxes in order, the connect box last.
+// Choosing a machine: its programs over the stand-in FOCAS library, or its failure boxes in order.
 #include "JobFixture.h"
 
 #include "machine/Focus1Comm.h"

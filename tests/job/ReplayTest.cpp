@@ -1,6 +1,4 @@
-// The in-memory replay of line inserts, deletes and moves against the same operations done row by
-// row on the table, the slow way the job update is defined: on random sessions both must leave the
-// same job.
+// The in-memory line replay against the same operations done row by row on the table.
 #include "job/JobReplay.h"
 #include "store/Database.h"
 #include "store/Table.h"
@@ -130,21 +128,17 @@ TEST(JobLineReplay, MatchesRowByRowMovesOnRandomSessions) {
         std::vector<int> levels{0};
         for (int i = 1; i < lines; ++i)
             levels.push_back(1 + static_cast<int>(random() % 2));
-        for (int job : {1, 2}) {
-            store::Transaction tx(db);
-            for (int i = 0; i < lines; ++i) {
-                const int level = levels[static_cast<std::size_t>(i)];
-                store::Statement insert(
-                    db.handle(), "insert into Jobs (Pallet_Number, Job_Number, Line_Number, Code, "
-                                 "Node_Level, Value_1, Image, State) values (" +
-                                     std::to_string(Pallet) + ", " + std::to_string(job) + ", " +
-                                     std::to_string(i) + ", 'C" + std::to_string(i) + "', " +
-                                     std::to_string(level) + ", 'v" + std::to_string(i) +
-                                     "', 2, 1)");
-                insert.run();
-            }
-            tx.commit();
-        }
+        std::string sql;
+        for (int job : {1, 2})
+            for (int i = 0; i < lines; ++i)
+                sql +=
+                    "insert into Jobs (Pallet_Number, Job_Number, Line_Number, Code, Node_Level, "
+                    "Value_1, Image, State) values (" +
+                    std::to_string(Pallet) + ", " + std::to_string(job) + ", " + std::to_string(i) +
+                    ", 'C" + std::to_string(i) + "', " +
+                    std::to_string(levels[static_cast<std::size_t>(i)]) + ", 'v" +
+                    std::to_string(i) + "', 2, 1);";
+        db.executeScript("begin;" + sql + "commit;");
         RowByRow slow(db, 2);
         const auto original = job::loadJobLines(db, Pallet, 1);
         job::JobLineReplay fast(original);

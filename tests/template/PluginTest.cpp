@@ -1,5 +1,4 @@
-// The editor's plug-in hook with real plug-in libraries: what each library is called with across
-// openings, the control it places, the object it changes, and a plug-in's failure.
+// The editor's plug-in hook with real plug-in libraries.
 #include "TemplateFixture.h"
 
 #include "common/Services.h"

@@ -1,5 +1,4 @@
-// Tree helpers: the absolute index against a plain pre-order walk, selection on delete, move and
-// collapse, and the tree view's focus rule.
+// Tree helpers: the absolute index, selection on delete, move and collapse, and the focus rule.
 #include "TemplateFixture.h"
 
 #include <functional>
