@@ -69,6 +69,7 @@ struct Table::Plan {
     std::string wholeSql;
     Table::WholeSet set;
     bool tooBig = false;
+    int wholeAsked = 0;                  // moves that found no set to serve them
     std::vector<Held> findKey;           // by number of key values
     std::vector<Held> findNearest;       // by number of key values
     std::vector<Held> findNearestPinned; // by number of key values past the pinned ones
@@ -392,6 +393,9 @@ bool Table::useWholeSet() {
         return true;
     const std::uint64_t transaction = database_->transactionSerial();
     if (transaction == 0)
+        return false;
+    // A plan used once or twice (a filter set for one lookup) is not worth reading whole.
+    if (++plan_->wholeAsked < 3)
         return false;
     auto& set = plan_->set;
     set = {};
