@@ -258,7 +258,7 @@ Transaction::Transaction(Database& db) : db_(db) {
     else
         db_.cached("begin immediate").run();
     if (!savepoint_)
-        db_.beginTransactionSerial();
+        db_.nextTransactionSerial();
 }
 
 Transaction::~Transaction() {
@@ -280,7 +280,7 @@ Transaction::~Transaction() {
 void Transaction::commit() {
     db_.cached(savepoint_ ? "release quorvel_tx" : "commit").run();
     if (!savepoint_)
-        db_.beginTransactionSerial();
+        db_.nextTransactionSerial();
     done_ = true;
 }
 

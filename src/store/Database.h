@@ -85,7 +85,7 @@ public:
     std::uint64_t transactionSerial() const;
     // Changes when another connection commits to the database file.
     std::int64_t dataVersion();
-    void beginTransactionSerial() { ++transactionSerial_; }
+    void nextTransactionSerial() { ++transactionSerial_; }
     // Increments whenever a table object writes the table (any case of its name); the counter
     // stays at its address while the database lives.
     std::uint64_t& tableGeneration(const std::string& tableName);

@@ -336,7 +336,6 @@ bool Table::loadRow(Statement& stmt) {
 void Table::noteRowRead(Stamp stamp, std::uint64_t transaction) {
     rowStamp_ = stamp;
     rowTransaction_ = transaction;
-    rowPlan_ = plan_.get();
 }
 
 bool Table::rowUnchangedSinceRead() const {
@@ -356,18 +355,6 @@ std::optional<int> plainCompare(const Value& a, const Value& b) {
         return c < 0 ? -1 : (c > 0 ? 1 : 0);
     }
     return std::nullopt;
-}
-
-// a <= b, column by column, when every column compares plainly.
-bool plainNotAfter(const std::vector<Value>& a, const std::vector<Value>& b) {
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        const auto c = plainCompare(a[i], b[i]);
-        if (!c)
-            return false;
-        if (*c != 0)
-            return *c < 0;
-    }
-    return true;
 }
 
 } // namespace
@@ -493,7 +480,6 @@ bool Table::findNearestInWholeSet(const std::vector<Value>& key) {
         else
             high = mid;
     }
-    nearest_.valid = false;
     if (set.rows.empty()) {
         clearRow();
         bof_ = eof_ = true;
@@ -502,36 +488,6 @@ bool Table::findNearestInWholeSet(const std::vector<Value>& key) {
         standOnWholeSetRow(std::min(low, set.rows.size() - 1));
     }
     notifyDataChanged();
-    return true;
-}
-
-bool Table::nearestStillFound(const std::vector<Value>& key) const {
-    // The last nearest search found the current row from key k0: no row lies between k0 and
-    // it, so any key between the two finds it again.
-    if (!nearest_.valid || nearest_.rowid != rowid_ || nearest_.plan != plan_.get() ||
-        nearest_.key.size() != key.size() || !hasRow_ || state() != DatasetState::Browse ||
-        nearest_.stamp != generation() || nearest_.transaction != database_->transactionSerial() ||
-        nearest_.transaction == 0)
-        return false;
-    std::vector<Value> wanted, found;
-    for (std::size_t i = 0; i < key.size(); ++i) {
-        wanted.push_back(coerce(keyColumns_[i], key[i]));
-        found.push_back(row_[static_cast<std::size_t>(keyColumns_[i])]);
-    }
-    return plainNotAfter(nearest_.key, wanted) && plainNotAfter(wanted, found);
-}
-
-bool Table::standsOnKey(const std::vector<Value>& key) const {
-    // A row read under another filter is in this set too when this one filters nothing.
-    if (!keyUnique_ || key.size() != keyColumns_.size() || !hasRow_ ||
-        state() != DatasetState::Browse || !rowUnchangedSinceRead() ||
-        (rowPlan_ != plan_.get() && !plan_->where.empty()))
-        return false;
-    for (std::size_t i = 0; i < key.size(); ++i) {
-        const auto column = static_cast<std::size_t>(keyColumns_[i]);
-        if (!(coerce(keyColumns_[i], key[i]) == row_[column]))
-            return false;
-    }
     return true;
 }
 
@@ -846,12 +802,6 @@ void Table::findNearest(const std::vector<Value>& key) {
         throw StoreError("Nearest search on table " + tableName_ + " with " +
                          std::to_string(key.size()) + " values; the key has " +
                          std::to_string(keyNames_.size()));
-    if (standsOnKey(key) || nearestStillFound(key)) {
-        // Nothing can have changed, and the current row is what the search would find.
-        bof_ = eof_ = false;
-        notifyDataChanged();
-        return;
-    }
     if (findNearestInWholeSet(key))
         return;
     // A key that starts with the values the filter pins compares only the rest, so that the
@@ -880,12 +830,8 @@ void Table::findNearest(const std::vector<Value>& key) {
     int index = 1;
     for (std::size_t i = from; i < key.size(); ++i)
         cached->bind(index++, coerce(keyColumns_[i], key[i]));
-    nearest_.valid = false;
     if (loadRow(*cached)) {
         bof_ = eof_ = false;
-        nearest_ = {true, {}, rowid_, plan_.get(), rowStamp_, rowTransaction_};
-        for (std::size_t i = 0; i < key.size(); ++i)
-            nearest_.key.push_back(coerce(keyColumns_[i], key[i]));
     } else if (loadRow(planned(plan_->last, plan_->lastSql))) {
         // Past the last key: stand on the last row, with the end flag clear.
         bof_ = eof_ = false;

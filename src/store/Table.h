@@ -141,12 +141,10 @@ private:
     std::int64_t lastServed_ = 0;
     const void* lastPlan_ = nullptr;
     Stamp lastGeneration_{};
-    // When the current row was read: the transaction, the writes seen and the plan. A post that
+    // When the current row was read: the transaction and the writes seen. A post that
     // changes nothing on a row read in this transaction, with no write since, has nothing to write.
     void noteRowRead(Stamp stamp, std::uint64_t transaction);
     bool rowUnchangedSinceRead() const;
-    bool standsOnKey(const std::vector<Value>& key) const;
-    bool nearestStillFound(const std::vector<Value>& key) const;
     // A small set is kept whole in memory within a transaction, and past it while no other
     // connection has committed: lookups of a few dozen rows are searched and walked many times
     // over in one operator action.
@@ -165,17 +163,7 @@ private:
     bool stepInWholeSet(bool forward);
     bool standAtEndOfWholeSet(bool last);
     bool findNearestInWholeSet(const std::vector<Value>& key);
-    // What the last nearest search asked and found, while nothing has changed since.
-    struct Nearest {
-        bool valid = false;
-        std::vector<Value> key;
-        std::int64_t rowid = 0;
-        const void* plan = nullptr;
-        Stamp stamp{};
-        std::uint64_t transaction = 0;
-    } nearest_;
     Stamp rowStamp_{};
-    const void* rowPlan_ = nullptr;
     std::uint64_t rowTransaction_ = 0;
 };
 

@@ -14,14 +14,6 @@ protected:
     void SetUp() override { boundary::LibraryLoad(); }
     void TearDown() override { boundary::LibraryUnload(); }
     void init() { boundary::Initialize(cell.dir(), cell.dir()); }
-    std::string storeError(const std::function<void()>& f) {
-        try {
-            f();
-        } catch (const store::StoreError& e) {
-            return e.what();
-        }
-        return {};
-    }
     int jobRows() {
         auto q = DM().NewLocalQuery();
         q->setSql("select count(*) from Jobs");
@@ -84,14 +76,14 @@ TEST_F(ExportsTest, MissingSharedTableStopsBeforeLocalDatabase) {
 
 TEST_F(ExportsTest, BrokenDatabaseFilesReachTheCaller) {
     testsupport::writeFile(cell.tmp.file("ZEL.db"), "this is no database file at all........");
-    auto text = storeError([&] { init(); });
+    auto text = testsupport::storeErrorText([&] { init(); });
     EXPECT_NE(text.find("ZEL.db"), std::string::npos) << text;
     std::filesystem::remove(cell.tmp.file("Quorvel.db"));
     boundary::LibraryUnload();
     boundary::LibraryLoad();
     store::createCell(cell.dir(), {.overwrite = true, .demoData = false});
     std::filesystem::remove(cell.tmp.file("Quorvel.db"));
-    text = storeError([&] { init(); });
+    text = testsupport::storeErrorText([&] { init(); });
     EXPECT_NE(text.find("Quorvel.db"), std::string::npos) << text;
 }
 
@@ -123,11 +115,12 @@ TEST_F(ExportsTest, TemplateNamesAndLookups) {
     EXPECT_EQ(name, "");
 
     // A quote in the fixture breaks the statement: a clear error naming it, nothing changed.
-    auto text = storeError([&] { boundary::LoadTemplateNames("O'Brien", list, true); });
+    auto text =
+        testsupport::storeErrorText([&] { boundary::LoadTemplateNames("O'Brien", list, true); });
     EXPECT_EQ(text.rfind("The fixture name O'Brien cannot be used in a statement: ", 0), 0u)
         << text;
     EXPECT_NE(text.find("where Fixture = 'O'Brien'"), std::string::npos) << text;
-    text = storeError([&] { boundary::DeleteJob("7'", "1"); });
+    text = testsupport::storeErrorText([&] { boundary::DeleteJob("7'", "1"); });
     EXPECT_EQ(text.rfind("The pallet number 7' or job number 1 cannot be used", 0), 0u) << text;
     boundary::GetTemplateName(3, name);
     EXPECT_EQ(name, "Three");
@@ -146,7 +139,9 @@ TEST_F(ExportsTest, DeleteJobAndFixturePointsRefusal) {
                            "(1, 1, 0), (1, 1, 1), (1, 2, 0), (2, 1, 0);");
     boundary::DeleteJob("1", "1");
     EXPECT_EQ(jobRows(), 2);
-    EXPECT_FALSE(storeError([&] { boundary::DeleteJob("1", "2; delete from Jobs"); }).empty());
+    EXPECT_FALSE(testsupport::storeErrorText([&] {
+                     boundary::DeleteJob("1", "2; delete from Jobs");
+                 }).empty());
     EXPECT_EQ(jobRows(), 2);
     auto& points = DM().tableFixturePoints;
     points.open();

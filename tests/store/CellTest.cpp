@@ -17,15 +17,6 @@ using store::StoreError;
 
 namespace {
 
-std::string message(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const StoreError& e) {
-        return e.what();
-    }
-    return {};
-}
-
 // Read straight from the engine, so that the probe itself changes nothing.
 std::string journalMode(const std::string& file) {
     sqlite3* db = nullptr;
@@ -78,7 +69,7 @@ TEST_F(CellTest, FilesThatAreNoDatabasesOrOfAnotherSchemaVersionAreRefused) {
     testsupport::writeFile(empty, "");
     Database db("Local", "Default");
     db.setFileName(empty);
-    auto text = message([&] { db.open(); });
+    auto text = testsupport::storeErrorText([&] { db.open(); });
     EXPECT_NE(text.find(empty + " is empty"), std::string::npos) << text;
     EXPECT_EQ(std::filesystem::file_size(empty), 0u);
 
@@ -86,17 +77,17 @@ TEST_F(CellTest, FilesThatAreNoDatabasesOrOfAnotherSchemaVersionAreRefused) {
     std::filesystem::create_directory(folder);
     Database inFolder("Local", "Default");
     inFolder.setFileName(folder);
-    text = message([&] { inFolder.open(); });
+    text = testsupport::storeErrorText([&] { inFolder.open(); });
     EXPECT_NE(text.find(folder + " is a folder"), std::string::npos) << text;
 
     // The local database of the cell must have the schema version the module knows.
     cell.run("Quorvel.db", "pragma user_version = 0");
-    text = message([&] { DM().OpenStore(cell.dir(), cell.dir(), 0, 0); });
+    text = testsupport::storeErrorText([&] { DM().OpenStore(cell.dir(), cell.dir(), 0, 0); });
     EXPECT_NE(text.find("Quorvel.db"), std::string::npos) << text;
     EXPECT_NE(text.find("quorvel init --force"), std::string::npos) << text;
     EXPECT_FALSE(DM().LocalDatabase.connected());
     cell.run("Quorvel.db", "pragma user_version = 2");
-    text = message([&] { DM().OpenStore(cell.dir(), cell.dir(), 0, 0); });
+    text = testsupport::storeErrorText([&] { DM().OpenStore(cell.dir(), cell.dir(), 0, 0); });
     EXPECT_NE(text.find("newer version"), std::string::npos) << text;
     cell.run("Quorvel.db", "pragma user_version = 1");
     DM().OpenStore(cell.dir(), cell.dir(), 0, 0);
@@ -109,7 +100,7 @@ TEST_F(CellTest, ForceIsRefusedWhileAnotherConnectionHoldsTheCell) {
     DM().OpenStore(cell.dir(), cell.dir(), 0, 0);
     const int templates = count(DM().LocalDatabase, "TemplateName");
     ASSERT_GT(templates, 0);
-    auto text = message([&] { store::createCell(cell.dir(), force); });
+    auto text = testsupport::storeErrorText([&] { store::createCell(cell.dir(), force); });
     EXPECT_NE(text.find("in use"), std::string::npos) << text;
     // Nothing was replaced: a write of the holder lands in the cell's file.
     DM().LocalDatabase.execute("delete from TemplateName");
@@ -126,7 +117,7 @@ TEST_F(CellTest, ForceIsRefusedWhileAnotherConnectionHoldsTheCell) {
     shared.setOpenForReading(true);
     shared.open();
     count(shared, "FixtureList");
-    text = message([&] { store::createCell(cell.dir(), force); });
+    text = testsupport::storeErrorText([&] { store::createCell(cell.dir(), force); });
     EXPECT_NE(text.find("ZEL.db is open"), std::string::npos) << text;
     EXPECT_EQ(journalMode(cell.tmp.file("ZEL.db")), "wal");
     shared.close();

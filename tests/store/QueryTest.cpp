@@ -21,14 +21,6 @@ protected:
         db.executeScript("create table T(A integer, B text);"
                          "insert into T values (1, 'x'); insert into T values (2, null);");
     }
-    std::string message(const std::function<void()>& f) {
-        try {
-            f();
-        } catch (const StoreError& e) {
-            return e.what();
-        }
-        return {};
-    }
     testsupport::TempDir dir;
     Database db{"Local", "Default"};
 };
@@ -38,14 +30,14 @@ protected:
 TEST_F(QueryTest, SecondStatementIsRefusedAndNothingRuns) {
     Query q(db);
     q.setSql("delete from T where A = 1; delete from T");
-    auto text = message([&] { q.execSQL(); });
+    auto text = testsupport::storeErrorText([&] { q.execSQL(); });
     EXPECT_NE(text.find("delete from T where A = 1; delete from T"), std::string::npos) << text;
     q.setSql("select count(*) from T");
     q.open();
     EXPECT_EQ(q.fields(0).asInteger(), 2);
     // A quote in a value breaks the statement; the error names it and the table is intact.
     q.setSql("delete from T where B = 'it's'");
-    text = message([&] { q.execSQL(); });
+    text = testsupport::storeErrorText([&] { q.execSQL(); });
     EXPECT_NE(text.find("where B = 'it's'"), std::string::npos) << text;
     q.setSql("delete from T where B = 'x'; --");
     q.execSQL(); // a trailing comment is not a statement
@@ -58,12 +50,12 @@ TEST_F(QueryTest, EngineParametersAreRefusedAndNothingRuns) {
          {"delete from T where A = ?", "delete from T where A = ?1", "delete from T where B = :b",
           "delete from T where B = @b", "delete from T where B = $b"}) {
         q.setSql(text);
-        const auto error = message([&] { q.execSQL(); });
+        const auto error = testsupport::storeErrorText([&] { q.execSQL(); });
         EXPECT_NE(error.find(std::string("nothing was run of: ") + text), std::string::npos)
             << error;
     }
     q.setSql("select * from T where B = ?");
-    EXPECT_NE(message([&] { q.open(); }).find("parameter"), std::string::npos);
+    EXPECT_NE(testsupport::storeErrorText([&] { q.open(); }).find("parameter"), std::string::npos);
     EXPECT_FALSE(q.active());
     // Marks inside a literal are text.
     q.setSql("select count(*) from T where B <> '?' and B <> ':b'");
@@ -127,12 +119,12 @@ TEST_F(QueryTest, LinesJoinAndResultsReadWithNullDefaults) {
 TEST_F(QueryTest, BrokenFilesGiveClearErrors) {
     Database missing("ZEL", "ZEL");
     missing.setFileName(dir.file("absent.db"));
-    auto text = message([&] { missing.open(); });
+    auto text = testsupport::storeErrorText([&] { missing.open(); });
     EXPECT_NE(text.find("absent.db"), std::string::npos) << text;
     testsupport::writeFile(dir.file("junk.db"), std::string(4096, 'j'));
     Database junk("ZEL", "ZEL");
     junk.setFileName(dir.file("junk.db"));
-    text = message([&] { junk.open(); });
+    text = testsupport::storeErrorText([&] { junk.open(); });
     EXPECT_NE(text.find("junk.db"), std::string::npos) << text;
     EXPECT_FALSE(junk.connected());
 }

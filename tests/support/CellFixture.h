@@ -5,8 +5,11 @@
 #include "common/Scripted.h"
 #include "common/Services.h"
 #include "store/CellInit.h"
+#include "store/StoreError.h"
 
+#include <functional>
 #include <memory>
+#include <string>
 
 namespace testsupport {
 
@@ -26,5 +29,15 @@ public:
 private:
     std::unique_ptr<common::ScopedServices> services_;
 };
+
+// The message of the store error `run` raises; empty when it raises none.
+inline std::string storeErrorText(const std::function<void()>& run) {
+    try {
+        run();
+    } catch (const store::StoreError& e) {
+        return e.what();
+    }
+    return {};
+}
 
 } // namespace testsupport
