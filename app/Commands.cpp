@@ -23,9 +23,19 @@ std::string defaultCellDirectory() {
         .string();
 }
 
-int runInit(const std::string& cellDir, bool force, bool empty) {
-    store::createCell(cellDir, {.overwrite = force, .demoData = !empty});
-    std::cout << "Created " << (empty ? "an empty" : "the demo") << " cell in " << cellDir << '\n';
+int runInit(const std::string& cellDir, bool force, bool empty, const std::string& server,
+            const std::string& serverName) {
+    store::CellOptions options;
+    options.overwrite = force;
+    options.demoData = !empty;
+    options.server = server;
+    options.serverName = serverName;
+    store::createCell(cellDir, options);
+    std::cout << "Created " << (empty ? "an empty" : "the demo") << " cell in " << cellDir;
+    if (!server.empty())
+        std::cout << " (databases on the server, schemas " << serverName << "_zel and "
+                  << serverName << "_quorvel)";
+    std::cout << '\n';
     return 0;
 }
 

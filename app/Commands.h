@@ -8,7 +8,9 @@ namespace app {
 // ~/.local/share/quorvel/cell.
 std::string defaultCellDirectory();
 
-int runInit(const std::string& cellDir, bool force, bool empty);
+// `server` empty: SQLite files in the folder; otherwise both databases on that server.
+int runInit(const std::string& cellDir, bool force, bool empty, const std::string& server,
+            const std::string& serverName);
 int runTemplates(const std::string& cellDir, const std::string& fixture, bool byFixture);
 
 } // namespace app

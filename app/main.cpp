@@ -28,6 +28,12 @@ int main(int argc, char** argv) {
     init->add_option("--cell", cellDir, "Cell directory")->capture_default_str();
     init->add_flag("--force", force, "Replace the databases of an existing cell");
     init->add_flag("--empty", empty, "Create the schema only, without demo data");
+    std::string server;
+    std::string serverName = "cell";
+    init->add_option("--server", server,
+                     "Keep both databases on a PostgreSQL server (a connection string or URI)");
+    init->add_option("--name", serverName, "The cell's name on the server (its schemas' prefix)")
+        ->capture_default_str();
 
     auto* templates = cli.add_subcommand("templates", "List the templates of the cell");
     std::string fixture;
@@ -67,7 +73,7 @@ int main(int argc, char** argv) {
             return *code;
         app::installCrashReporter(cellDir);
         if (*init)
-            return app::runInit(cellDir, force, empty);
+            return app::runInit(cellDir, force, empty, server, serverName);
         if (*templates)
             return app::runTemplates(cellDir, fixture, templates->count("--fixture") > 0);
         if (auto code = cellCommands.run())

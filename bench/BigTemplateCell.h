@@ -21,7 +21,8 @@ public:
     explicit BigTemplateCell(int nodes)
         : dir_(std::filesystem::temp_directory_path() / "quorvel-bench-job"),
           services_(common::Services{&ui_, &platform_, &host_}) {
-        store::createCell(dir_.string(), {.overwrite = true, .demoData = true});
+        store::createCell(dir_.string(),
+                          {.overwrite = true, .demoData = true, .server = {}, .serverName = {}});
         fillTemplate(nodes);
         CreateDM();
         DM().OpenStore(dir_.string(), dir_.string(), 0, 0);

@@ -15,7 +15,8 @@ namespace {
 struct JobsCell {
     explicit JobsCell(int rows) {
         dir = std::filesystem::temp_directory_path() / ("quorvel-bench-" + std::to_string(rows));
-        store::createCell(dir.string(), {.overwrite = true, .demoData = false});
+        store::createCell(dir.string(),
+                          {.overwrite = true, .demoData = false, .server = {}, .serverName = {}});
         db = std::make_unique<store::Database>("Local", "Default");
         db->setFileName((dir / "Quorvel.db").string());
         db->open();

@@ -26,7 +26,8 @@ public:
                ("quorvel-bench-update-" + std::to_string(lines))),
           services_(common::Services{&ui_, &platform_, &host_}) {
         benchApplication();
-        store::createCell(dir_.string(), {.overwrite = true, .demoData = true});
+        store::createCell(dir_.string(),
+                          {.overwrite = true, .demoData = true, .server = {}, .serverName = {}});
         fill(lines);
         CreateDM();
         DM().OpenStore(dir_.string(), dir_.string(), 0, 0);

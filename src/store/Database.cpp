@@ -2,13 +2,11 @@
 
 #include "common/Convert.h"
 
+#include "store/CellFile.h"
+#include "store/Engine.h"
+#include "store/ServerEngine.h"
+#include "store/SqliteEngine.h"
 #include "store/StoreError.h"
-
-#include <sqlite3.h>
-
-#include <filesystem>
-
-#include <unistd.h>
 
 namespace store {
 
@@ -18,100 +16,61 @@ Database::Database(std::string databaseName, std::string sessionName)
 Database::~Database() { close(); }
 
 void Database::setFileName(std::string fileName) {
-    if (db_)
+    if (connection_)
         throw StoreError("Cannot change the file of open database " + databaseName_);
     fileName_ = std::move(fileName);
 }
 
 void Database::setOpenForReading(bool reading) {
-    if (db_)
+    if (connection_)
         throw StoreError("Cannot change how open database " + databaseName_ + " is opened");
     openForReading_ = reading;
 }
 
-std::string Database::fileProblem() const {
-    namespace fs = std::filesystem;
-    std::error_code ec;
-    const auto status = fs::status(fileName_, ec);
-    if (!fs::exists(status))
-        return "file " + fileName_ + " does not exist";
-    if (fs::is_directory(status))
-        return fileName_ + " is a folder, not a database file";
-    if (!fs::is_regular_file(status))
-        return fileName_ + " is not a regular file";
-    // The engine would take an empty file for a new database; only `quorvel init` makes one.
-    if (fs::file_size(fileName_, ec) == 0 && !ec)
-        return "file " + fileName_ + " is empty (0 bytes), not a database; run quorvel init " +
-               "to make the cell";
-    return {};
-}
-
 void Database::open(bool create) {
-    if (db_)
+    if (connection_)
         return;
     if (fileName_.empty())
         throw StoreError("No file is set for database " + databaseName_);
     if (Exclusive)
         throw StoreError("Database " + databaseName_ + " cannot be opened exclusively: the host " +
                          "shares its files");
-    if (!create) {
-        if (const auto problem = fileProblem(); !problem.empty())
-            throw StoreError("Cannot open database " + databaseName_ + ": " + problem,
-                             SQLITE_CANTOPEN);
-    }
-    int flags =
-        (openForReading_ ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
-    if (create && !openForReading_)
-        flags |= SQLITE_OPEN_CREATE;
-    sqlite3* db = nullptr;
-    int rc = sqlite3_open_v2(fileName_.c_str(), &db, flags, nullptr);
-    if (rc != SQLITE_OK) {
-        std::string message = db ? sqlite3_errmsg(db) : "out of memory";
-        sqlite3_close(db);
-        throw StoreError(
-            "Cannot open database " + databaseName_ + " in file " + fileName_ + ": " + message, rc);
-    }
-    db_ = db;
-    sqlite3_extended_result_codes(db_, 1);
-    sqlite3_busy_timeout(db_, BusyTimeoutMs);
+    // Messages of the engines that name the place go on with it ("in file ..."); others are the
+    // reason after a colon.
+    const auto opening = [this](const StoreError& e) {
+        const std::string what = e.what();
+        const bool place = what.rfind("in ", 0) == 0 || what.rfind("on ", 0) == 0;
+        return StoreError("Cannot open database " + databaseName_ + (place ? " " : ": ") + what,
+                          e.engineCode());
+    };
     try {
-        // Reading the schema proves that the file is a database at all.
-        try {
-            execute("select count(*) from sqlite_master");
-        } catch (const StoreError&) {
-            // A WAL file needs its shared-memory file beside it; in a folder nobody may write to
-            // it cannot be read at all, and that is what the message has to say.
-            const auto folder = std::filesystem::absolute(fileName_).parent_path();
-            if (::access(folder.c_str(), W_OK) != 0)
-                throw StoreError("it cannot be read while the folder " + folder.string() +
-                                 " is read-only (a database in WAL mode needs to make its " +
-                                 "shared-memory file there); give write access to the folder");
-            throw;
+        const auto server = serverLocation(fileName_);
+        if (server) {
+            connection_ = openServer(*server, {.create = create, .forReading = openForReading_});
+            location_ = "in schema " + server->schema + " (for " + server->file + ") on server " +
+                        server->shownUri;
+        } else {
+            connection_ =
+                openSqliteFile(fileName_, {.create = create, .forReading = openForReading_});
+            location_ = "in file " + fileName_;
         }
-        // The module's own files run in WAL, so that the host can keep them open; a file the
-        // module only reads, or may not write, keeps the mode its owner gave it.
-        if (!openForReading_ && !sqlite3_db_readonly(db_, "main"))
-            execute("pragma journal_mode = wal");
-        // NORMAL syncs at checkpoints, not at every commit.
-        execute("pragma synchronous = normal");
-        // A page cache large enough that keyed lookups on big job tables stay in memory.
-        execute("pragma cache_size = -32768");
-        execute("pragma mmap_size = 268435456");
+    } catch (const StoreError& e) {
+        throw opening(e);
+    }
+    try {
         checkSchemaVersion();
     } catch (const StoreError& e) {
         close();
-        throw StoreError("Cannot open database " + databaseName_ + " in file " + fileName_ + ": " +
-                             e.what(),
-                         e.engineCode());
+        throw opening(StoreError(location_ + ": " + e.what(), e.engineCode()));
     }
 }
+
+std::string Database::location() const { return location_; }
 
 void Database::checkSchemaVersion() {
     if (schemaVersion_ < 0)
         return;
-    Statement stmt(handle(), "pragma user_version");
-    stmt.step();
-    const auto version = stmt.columnInteger(0);
+    const auto version = connection_->schemaVersion();
     if (version == schemaVersion_)
         return;
     const std::string versions = "its schema version is " + std::to_string(version) +
@@ -126,58 +85,43 @@ void Database::checkSchemaVersion() {
 void Database::close() {
     cache_.clear();
     lru_.clear();
-    if (db_) {
-        sqlite3_close_v2(db_);
-        db_ = nullptr;
-    }
+    connection_.reset();
 }
 
 void Database::setReadOnly(bool readOnly) {
     readOnly_ = readOnly;
-    if (db_)
-        execute(readOnly ? "pragma query_only = 1" : "pragma query_only = 0");
+    if (connection_)
+        connection_->setQueryOnly(readOnly);
 }
 
-sqlite3* Database::handle() {
-    if (!db_)
+Connection& Database::connection() {
+    if (!connection_)
         throw StoreError("Database " + databaseName_ + " is not open");
-    return db_;
+    return *connection_;
 }
 
 bool Database::tableExists(std::string_view tableName) {
-    auto& stmt =
-        cached("select 1 from sqlite_master where type = 'table' and name = ? collate nocase");
-    stmt.bind(1, Value(tableName));
-    const bool found = stmt.step();
-    stmt.reset();
-    return found;
+    return connection().tableExists(std::string(tableName));
 }
 
 std::vector<std::string> Database::indexNames(std::string_view tableName) {
-    auto& stmt = cached("select name from sqlite_master where type = 'index' and tbl_name = ? "
-                        "collate nocase and sql is not null order by rowid");
-    stmt.bind(1, Value(tableName));
-    std::vector<std::string> names;
-    while (stmt.step())
-        names.push_back(stmt.column(0).text());
-    stmt.reset();
-    return names;
+    return connection().indexNames(std::string(tableName));
 }
 
 void Database::execute(const std::string& sql) {
-    Statement stmt(handle(), sql);
+    Statement stmt(connection(), sql);
     ++generation_;
     stmt.run();
 }
 
 void Database::executeScript(const std::string& sql) {
-    char* error = nullptr;
+    auto& c = connection();
     ++generation_;
-    const int rc = sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, &error);
-    if (rc != SQLITE_OK) {
-        std::string message = error ? error : sqlite3_errstr(rc);
-        sqlite3_free(error);
-        throw StoreError("Script failed on database " + databaseName_ + ": " + message, rc);
+    try {
+        c.executeScript(sql);
+    } catch (const StoreError& e) {
+        throw StoreError("Script failed on database " + databaseName_ + ": " + e.what(),
+                         e.engineCode());
     }
 }
 
@@ -204,7 +148,7 @@ void Database::cacheInsert(const std::string& key, std::shared_ptr<Statement> st
 std::shared_ptr<Statement> Database::shared(const std::string& sql) {
     if (auto stmt = cacheLookup(sql))
         return stmt;
-    auto stmt = std::make_shared<Statement>(handle(), sql);
+    auto stmt = std::make_shared<Statement>(connection(), sql);
     cacheInsert(sql, stmt);
     return stmt;
 }
@@ -215,12 +159,15 @@ std::shared_ptr<Statement> Database::sharedTranslated(const std::string& text,
     const std::string key = std::string("\x01") + text;
     if (auto stmt = cacheLookup(key))
         return stmt;
-    auto stmt = std::make_shared<Statement>(handle(), translate(text), text);
+    auto& c = connection();
+    const std::string sql = c.translate(text, translate);
     // Nothing binds values to these texts: a parameter would run as NULL without a word.
-    if (stmt->parameterCount() > 0)
+    const bool parameter = c.holdsParameter(sql);
+    auto stmt = parameter ? nullptr : std::make_shared<Statement>(c, sql, text);
+    if (parameter || stmt->parameterCount() > 0)
         throw StoreError("The statement holds an engine parameter (?, :name, @name or $name), " +
                              std::string("which nothing binds; nothing was run of: ") + text,
-                         SQLITE_MISUSE);
+                         code::Misuse);
     cacheInsert(key, stmt);
     return stmt;
 }
@@ -229,7 +176,7 @@ std::uint64_t& Database::tableGeneration(const std::string& tableName) {
     return tableGenerations_[common::upperCase(tableName)];
 }
 
-int Database::changes() const { return db_ ? sqlite3_changes(db_) : 0; }
+int Database::changes() const { return connection_ ? connection_->changes() : 0; }
 
 // The outermost transaction begins immediate, so that a second writer waits the busy timeout at
 // the start instead of failing at its first write; a connection that cannot write begins a plain
@@ -237,28 +184,29 @@ int Database::changes() const { return db_ ? sqlite3_changes(db_) : 0; }
 // every level. The statements stay prepared. Opening and committing change no data; a rollback
 // does.
 std::uint64_t Database::transactionSerial() const {
-    return db_ && !sqlite3_get_autocommit(db_) ? transactionSerial_ : 0;
+    return connection_ && connection_->inTransaction() ? transactionSerial_ : 0;
 }
 
-std::int64_t Database::dataVersion() {
-    auto& stmt = cached("pragma data_version");
-    stmt.step();
-    const std::int64_t version = stmt.columnInteger(0);
-    stmt.reset();
-    return version;
-}
+std::int64_t Database::dataVersion() { return connection().dataVersion(); }
 
 Transaction::Transaction(Database& db) : db_(db) {
-    sqlite3* handle = db_.handle();
-    savepoint_ = !sqlite3_get_autocommit(handle);
-    if (savepoint_)
+    auto& connection = db_.connection();
+    savepoint_ = connection.inTransaction();
+    if (savepoint_) {
         db_.cached("savepoint quorvel_tx").run();
-    else if (db_.readOnly() || sqlite3_db_readonly(handle, "main") == 1)
-        db_.cached("begin").run();
-    else
-        db_.cached("begin immediate").run();
-    if (!savepoint_)
-        db_.nextTransactionSerial();
+        return;
+    }
+    const bool write = !db_.readOnly() && connection.writable();
+    const auto statements = connection.beginStatements(write);
+    db_.cached(statements.front()).run();
+    try {
+        for (std::size_t i = 1; i < statements.size(); ++i)
+            db_.cached(statements[i]).run();
+    } catch (...) {
+        db_.cached("rollback").run();
+        throw;
+    }
+    db_.nextTransactionSerial();
 }
 
 Transaction::~Transaction() {
@@ -269,7 +217,7 @@ Transaction::~Transaction() {
         if (savepoint_) {
             db_.cached("rollback to quorvel_tx").run();
             db_.cached("release quorvel_tx").run();
-        } else if (!sqlite3_get_autocommit(db_.handle())) {
+        } else if (db_.connection().inTransaction()) {
             db_.cached("rollback").run();
         }
     } catch (...) {

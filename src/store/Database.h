@@ -9,9 +9,9 @@
 #include <unordered_map>
 #include <vector>
 
-struct sqlite3;
-
 namespace store {
+
+class Connection;
 
 class Database {
 public:
@@ -52,7 +52,7 @@ public:
     // empty, is a folder or is not a database. `create` is for `quorvel init` and test fixtures.
     void open(bool create = false);
     void close();
-    bool connected() const { return db_ != nullptr; }
+    bool connected() const { return connection_ != nullptr; }
     // Settable after opening; a read-only database refuses every write.
     void setReadOnly(bool readOnly);
     bool readOnly() const { return readOnly_; }
@@ -75,7 +75,10 @@ public:
     std::shared_ptr<Statement> sharedTranslated(const std::string& text,
                                                 std::string (*translate)(std::string_view));
     static constexpr std::size_t CacheBound = 256;
-    sqlite3* handle();
+    // The open connection; raises when the database is closed.
+    Connection& connection();
+    // Where the database lives, for messages: "in file F" or "in schema S on server U".
+    std::string location() const;
     // Rows changed by the last statement.
     int changes() const;
     // Increments whenever any statement on this connection may have changed data.
@@ -98,9 +101,8 @@ private:
     bool readOnly_ = false;
     bool openForReading_ = false;
     int schemaVersion_ = -1; // -1: not checked
-    sqlite3* db_ = nullptr;
-    // The reason a file cannot be opened as a database before the engine sees it, or "".
-    std::string fileProblem() const;
+    std::unique_ptr<Connection> connection_;
+    std::string location_;
     void checkSchemaVersion();
     // Most recently used first; the map finds a text's place in the list.
     using CacheList = std::list<std::pair<std::string, std::shared_ptr<Statement>>>;

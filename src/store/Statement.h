@@ -2,18 +2,19 @@
 // A prepared statement, owned; errors name the statement text.
 #include "store/Value.h"
 
+#include <memory>
 #include <string>
 
-struct sqlite3;
-struct sqlite3_stmt;
-
 namespace store {
+
+class Connection;
+class EngineStatement;
 
 class Statement {
 public:
     // Prepares exactly one statement; text after the first statement is an error.
     // `shownText` is the text named in error messages (the caller's text before translation).
-    Statement(sqlite3* db, std::string sql, std::string shownText = {});
+    Statement(Connection& connection, std::string sql, std::string shownText = {});
     ~Statement();
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
@@ -38,12 +39,8 @@ public:
     int parameterCount() const;
 
 private:
-    void bindValue(int index, const Value& value, bool copy);
-
-    sqlite3* db_;
-    sqlite3_stmt* stmt_ = nullptr;
+    std::unique_ptr<EngineStatement> stmt_;
     std::string sql_;
-    std::string shown_;
     bool borrowed_ = false; // a text is bound without a copy
 };
 

@@ -2,24 +2,14 @@
 
 #include "common/Convert.h"
 #include "store/Database.h"
+#include "store/Engine.h"
 #include "store/FilterTerms.h"
 
 #include <optional>
-#include <sqlite3.h>
 
 namespace store {
 
 namespace {
-
-std::string quoteName(const std::string& name) {
-    std::string out = "\"";
-    for (char c : name) {
-        if (c == '"')
-            out += '"';
-        out += c;
-    }
-    return out + "\"";
-}
 
 FieldType typeFromDeclaration(const std::string& declared) {
     const std::string t = common::upperCase(declared);
@@ -39,7 +29,8 @@ FieldType typeFromDeclaration(const std::string& declared) {
 // outlive an eviction from it; the plan is rebuilt when the filter or the index changes.
 struct Table::Plan {
     using Held = std::shared_ptr<Statement>;
-    std::string selectFrom; // select _rowid_, * from "T"
+    std::string source;     // the table with its row ids: "T"
+    std::string selectFrom; // select _rowid_, "c1", ... from "T"
     std::string where;      // "(filter)" or empty
     std::string order;      // "k1, k2, _rowid_"
     std::string orderDesc;
@@ -115,20 +106,16 @@ void Table::open() {
     rowidAlias_ = -1;
     int pkCount = 0;
     int pkColumn = -1;
-    {
-        Statement info(database_->handle(), "pragma table_info(" + quoteName(tableName_) + ")");
-        while (info.step()) {
-            names_.push_back(info.column(1).text());
-            const std::string declared = info.column(2).isText() ? info.column(2).text() : "";
-            types_.push_back(typeFromDeclaration(declared));
-            if (info.columnInteger(5) > 0) {
-                ++pkCount;
-                if (common::upperCase(declared) == "INTEGER")
-                    pkColumn = static_cast<int>(names_.size()) - 1;
-            }
+    for (auto& column : database_->connection().columns(tableName_)) {
+        names_.push_back(column.name);
+        types_.push_back(typeFromDeclaration(column.declaredType));
+        if (column.primaryKey) {
+            ++pkCount;
+            if (common::upperCase(column.declaredType) == "INTEGER")
+                pkColumn = static_cast<int>(names_.size()) - 1;
         }
     }
-    if (pkCount == 1)
+    if (pkCount == 1 && database_->connection().integerKeyIsRowid())
         rowidAlias_ = pkColumn;
     written_ = &database_->tableGeneration(tableName_);
     forgetPlans();
@@ -182,20 +169,12 @@ void Table::setIndexName(const std::string& name) {
         }
         if (stored.empty())
             throw StoreError("Index " + name + " not found on table " + tableName_);
-        {
-            Statement info(database_->handle(), "pragma index_info(" + quoteName(stored) + ")");
-            while (info.step()) {
-                const std::string column = info.column(2).text();
-                keyNames_.push_back(column);
-                keyColumns_.push_back(fieldIndex(column));
-            }
+        const auto index = database_->connection().index(tableName_, stored);
+        for (auto& column : index.columns) {
+            keyNames_.push_back(column);
+            keyColumns_.push_back(fieldIndex(column));
         }
-        {
-            Statement list(database_->handle(), "pragma index_list(" + quoteName(tableName_) + ")");
-            while (list.step())
-                if (list.column(1).text() == stored)
-                    keyUnique_ = list.columnInteger(2) != 0;
-        }
+        keyUnique_ = index.unique;
         indexName_ = name;
     }
     forgetPlans();
@@ -203,6 +182,10 @@ void Table::setIndexName(const std::string& name) {
         buildPlan();
         first();
     }
+}
+
+std::string Table::quoteName(const std::string& name) const {
+    return database_->connection().quoteName(name);
 }
 
 std::string Table::whereFilter(const std::string& extra) const {
@@ -229,9 +212,17 @@ void Table::buildPlan() {
     auto previous = std::move(plan_);
     plan_ = std::make_shared<Plan>();
     auto& p = *plan_;
-    p.selectFrom = "select _rowid_, * from " + quoteName(tableName_);
+    auto& engine = database_->connection();
+    p.source = engine.rowSource(tableName_);
+    p.quoted.reserve(names_.size());
+    for (auto& name : names_)
+        p.quoted.push_back(quoteName(name));
+    p.selectFrom = "select _rowid_";
+    for (auto& name : p.quoted)
+        p.selectFrom += ", " + name;
+    p.selectFrom += " from " + p.source;
     if (filtered_ && !common::trim(filter_).empty())
-        p.where = "(" + filter_ + ")";
+        p.where = "(" + engine.translateCondition(filter_) + ")";
     std::vector<std::string> order;
     for (auto& k : keyNames_)
         order.push_back(quoteName(k));
@@ -240,8 +231,8 @@ void Table::buildPlan() {
     p.tupleSize = static_cast<int>(order.size());
     for (std::size_t i = 0; i < order.size(); ++i) {
         const std::string sep = i ? ", " : "";
-        p.order += sep + order[i];
-        p.orderDesc += sep + order[i] + " desc";
+        p.order += sep + engine.ascending(order[i]);
+        p.orderDesc += sep + engine.descending(order[i]);
         p.tuple += sep + order[i];
     }
     p.tuple = "(" + p.tuple + ")";
@@ -250,12 +241,14 @@ void Table::buildPlan() {
         marks += i ? ", ?" : "?";
     marks = "(" + marks + ")";
     try {
-        p.first = held(p.selectFrom + whereFilter("") + " order by " + p.order + " limit 1");
         // Nothing binds values to a filter text: a parameter in it would filter on NULL.
-        if (p.first->parameterCount() > 0)
+        const bool parameter = engine.holdsParameter(p.where);
+        if (!parameter)
+            p.first = held(p.selectFrom + whereFilter("") + " order by " + p.order + " limit 1");
+        if (parameter || p.first->parameterCount() > 0)
             throw StoreError("The filter of table " + tableName_ + " holds an engine parameter " +
                                  "(?, :name, @name or $name), which nothing binds: " + filter_,
-                             SQLITE_MISUSE);
+                             code::Misuse);
     } catch (...) {
         plan_ = std::move(previous);
         throw;
@@ -305,9 +298,6 @@ void Table::buildPlan() {
     }
     p.findKey.assign(keyNames_.size() + 1, nullptr);
     p.findNearest.assign(keyNames_.size() + 1, nullptr);
-    p.quoted.reserve(names_.size());
-    for (auto& name : names_)
-        p.quoted.push_back(quoteName(name));
     p.insert.assign(names_.size() + 1, nullptr);
 }
 
@@ -734,7 +724,7 @@ int Table::recordCount() {
     if (useWholeSet())
         return static_cast<int>(plan_->set.rows.size());
     if (!plan_->count)
-        plan_->count = held("select count(*) from " + quoteName(tableName_) + whereFilter(""));
+        plan_->count = held("select count(*) from " + plan_->source + whereFilter(""));
     auto& stmt = *plan_->count;
     stmt.step();
     const auto n = stmt.columnInteger(0);
@@ -756,8 +746,7 @@ int Table::recNo() {
                 marks += i ? ", ?" : "?";
             marks = "(" + marks + ")";
         }
-        slot = held("select count(*) from " + quoteName(tableName_) +
-                    whereFilter(tuple + " <= " + marks));
+        slot = held("select count(*) from " + plan_->source + whereFilter(tuple + " <= " + marks));
     }
     auto& stmt = *slot;
     bindPosition(stmt, from, row_, rowid_);
@@ -879,7 +868,7 @@ void Table::post() {
         for (std::size_t i = 0; i < modified_.size(); ++i)
             if (modified_[i])
                 sets += (sets.empty() ? "" : ", ") + plan_->quoted[i] + " = ?";
-        plan_->update = held("update " + quoteName(tableName_) + " set " + sets + whereSameRow());
+        plan_->update = held("update " + plan_->source + " set " + sets + whereSameRow());
         plan_->updateColumns = modified_;
     }
     auto& stmt = *plan_->update;
@@ -917,7 +906,8 @@ std::string Table::whereSameRow() const {
     // two apart.
     std::string where = " where _rowid_ = ?";
     for (int c : keyColumns_)
-        where += " and " + plan_->quoted[static_cast<std::size_t>(c)] + " is ?";
+        where += " and " + plan_->quoted[static_cast<std::size_t>(c)] +
+                 database_->connection().sameValueOperator() + "?";
     return where;
 }
 
@@ -938,7 +928,7 @@ void Table::deleteRecord() {
     const auto deletedRow = row_;
     const auto deletedRowid = rowid_;
     if (!plan_->deleteRow)
-        plan_->deleteRow = held("delete from " + quoteName(tableName_) + whereSameRow());
+        plan_->deleteRow = held("delete from " + plan_->source + whereSameRow());
     auto& del = *plan_->deleteRow;
     bindSameRow(del, 1);
     ++*written_;
@@ -965,7 +955,7 @@ void Table::insertRecord(const std::vector<Value>& values) {
         return;
     auto& slot = plan_->insert[values.size()];
     if (!slot) {
-        std::string sql = "insert into " + quoteName(tableName_);
+        std::string sql = "insert into " + plan_->source;
         if (values.empty()) {
             sql += " default values";
         } else {
@@ -976,16 +966,30 @@ void Table::insertRecord(const std::vector<Value>& values) {
             }
             sql += " (" + columns + ") values (" + marks + ")";
         }
-        slot = held(sql);
+        slot = held(sql + database_->connection().insertReturningRowid());
     }
     auto& stmt = *slot;
     // The values outlive the run, which clears the bindings.
     for (std::size_t i = 0; i < values.size(); ++i)
         stmt.bindBorrowed(static_cast<int>(i) + 1, values[i]);
     ++*written_;
-    stmt.run();
+    // The engine tells the new row id, or the statement returns it.
+    std::int64_t rowid = 0;
+    if (*database_->connection().insertReturningRowid()) {
+        try {
+            if (stmt.step())
+                rowid = stmt.columnInteger(0);
+        } catch (...) {
+            stmt.reset();
+            throw;
+        }
+        stmt.reset();
+    } else {
+        stmt.run();
+        rowid = database_->connection().lastInsertRowid();
+    }
     // The cursor stands on the new row.
-    if (readByRowid(sqlite3_last_insert_rowid(database_->handle())))
+    if (readByRowid(rowid))
         bof_ = eof_ = false;
     notifyDataChanged();
 }

@@ -80,6 +80,8 @@ private:
     void buildPlan();
     void forgetPlans();
     std::string whereFilter(const std::string& extra) const;
+    // A column name quoted as the engine takes it.
+    std::string quoteName(const std::string& name) const;
     // Sets the filter text and switch and moves to the first row; a filter that cannot be used
     // raises and leaves both as they were.
     void applyFilter(const std::string& text, bool on);

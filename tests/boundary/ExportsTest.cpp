@@ -81,7 +81,10 @@ TEST_F(ExportsTest, BrokenDatabaseFilesReachTheCaller) {
     std::filesystem::remove(cell.tmp.file("Quorvel.db"));
     boundary::LibraryUnload();
     boundary::LibraryLoad();
-    store::createCell(cell.dir(), {.overwrite = true, .demoData = false});
+    store::CellOptions bare;
+    bare.overwrite = true;
+    bare.demoData = false;
+    store::createCell(cell.dir(), bare);
     std::filesystem::remove(cell.tmp.file("Quorvel.db"));
     text = testsupport::storeErrorText([&] { init(); });
     EXPECT_NE(text.find("Quorvel.db"), std::string::npos) << text;

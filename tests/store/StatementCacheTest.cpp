@@ -4,8 +4,8 @@
 #include "store/Table.h"
 #include "support/TestSupport.h"
 
+#include "store/Engine.h"
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <string>
 
@@ -29,13 +29,7 @@ protected:
         }
     }
 
-    int preparedOnConnection() {
-        int n = 0;
-        for (sqlite3_stmt* s = sqlite3_next_stmt(db.handle(), nullptr); s;
-             s = sqlite3_next_stmt(db.handle(), s))
-            ++n;
-        return n;
-    }
+    int preparedOnConnection() { return db.connection().liveStatements(); }
 
     testsupport::TempDir dir;
     store::Database db{"Local", "Default"};

@@ -1,5 +1,6 @@
 #include "support/TestSupport.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -10,10 +11,16 @@ namespace testsupport {
 TempDir::TempDir() {
     std::random_device rd;
     for (int attempt = 0; attempt < 100; ++attempt) {
-        auto candidate = std::filesystem::temp_directory_path() /
-                         ("quorvel-test-" + std::to_string(rd()) + std::to_string(attempt));
+        const std::string id = std::to_string(rd()) + std::to_string(attempt);
+        auto candidate = std::filesystem::temp_directory_path() / ("quorvel-test-" + id);
         if (std::filesystem::create_directory(candidate)) {
             path_ = candidate;
+            // The server run: every database of the folder lives on the test server, under
+            // schemas of this folder's own.
+            if (onTestServer())
+                writeFile(file("server.cell"),
+                          "server = " + std::string(std::getenv("QUORVEL_TEST_SERVER")) +
+                              "\nname = t" + id + "\n");
             return;
         }
     }
@@ -23,6 +30,11 @@ TempDir::TempDir() {
 TempDir::~TempDir() {
     std::error_code ec;
     std::filesystem::remove_all(path_, ec);
+}
+
+bool onTestServer() {
+    const char* server = std::getenv("QUORVEL_TEST_SERVER");
+    return server && *server;
 }
 
 void writeFile(const std::string& path, const std::string& text) {

@@ -5,7 +5,9 @@
 
 namespace testsupport {
 
-// A fresh directory under the system's temporary folder, removed with everything in it.
+// A fresh directory under the system's temporary folder, removed with everything in it. When
+// QUORVEL_TEST_SERVER names a database server, the folder is a server cell on it: its databases
+// are schemas there.
 class TempDir {
 public:
     TempDir();
@@ -20,6 +22,9 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+// True in the run on the database server (QUORVEL_TEST_SERVER set).
+bool onTestServer();
 
 // Writes `text` to `path`, replacing it.
 void writeFile(const std::string& path, const std::string& text);
