@@ -18,7 +18,6 @@ TEST_F(DefaultsTest, SyntaxesCountFromOneLocalBeforeGlobal) {
     // Global: Default_Syntax counts from 0, null means none.
     EXPECT_EQ(form->GetGlobalDefaultSyntax("ACK"), 2);
     EXPECT_EQ(form->GetGlobalDefaultSyntax("NOTE"), 0);
-    EXPECT_EQ(form->GetGlobalDefaultSyntax("OFFSET"), 0);
     // A nearest seek: a missing code reads the next code's row ("AAA" gives "ACK").
     EXPECT_EQ(form->GetGlobalDefaultSyntax("AAA"), 2);
 
@@ -40,13 +39,6 @@ TEST_F(DefaultsTest, SyntaxesCountFromOneLocalBeforeGlobal) {
 }
 
 TEST_F(DefaultsTest, ValuesTakeTheLocalDefaultOverTheGlobal) {
-    std::string value = "stale";
-    form->GetGlobalDefaultValue(2005, value);
-    EXPECT_EQ(value, "0.5");
-    value = "stale";
-    form->GetGlobalDefaultValue(9999, value);
-    EXPECT_EQ(value, "");
-
     EXPECT_EQ(defaultValue(2005), "2.5");
     EXPECT_EQ(defaultValue(5001), "CHECK WIRE");
     EXPECT_EQ(defaultValue(9999), "");

@@ -6,6 +6,7 @@
 #include "template/Template.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -75,6 +76,24 @@ protected:
     // The node of a line, and its selection as code selects it.
     QTreeWidgetItem* node(int line) { return tree::FindNodeByIndex(form->tvwTemplate, line); }
     void select(int line) { form->SelectNode(node(line)); }
+    int selected() { return tree::AbsoluteIndex(form->SelectedNode()); }
+
+    // Keys as typed: "\n" is Enter, "\b" Backspace.
+    static void type(QWidget* control, const QString& text) {
+        for (const QChar ch : text) {
+            const bool enter = ch == '\n';
+            const int key = enter        ? int(Qt::Key_Return)
+                            : ch == '\b' ? int(Qt::Key_Backspace)
+                                         : ch.toUpper().unicode();
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, enter ? "\r" : QString(ch));
+            QApplication::sendEvent(control, &press);
+        }
+    }
+    // The operator replaces the text of the first value box.
+    void retype(const QString& text) {
+        form->dbeValue1->selectAll();
+        type(form->dbeValue1, "\b" + text);
+    }
 
     testsupport::CellFixture cell{true};
     common::BoolMessageGate gate{true};

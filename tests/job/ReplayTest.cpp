@@ -1,6 +1,8 @@
 // The in-memory line replay against the same operations done row by row on the table.
 #include "job/JobReplay.h"
 #include "store/Database.h"
+#include "store/Engine.h"
+#include "store/Statement.h"
 #include "store/Table.h"
 #include "support/CellFixture.h"
 
@@ -93,23 +95,15 @@ private:
 };
 
 std::vector<std::string> jobRows(store::Database& db, int job) {
-    store::Statement stmt(db.handle(),
-                          "select Line_Number, Code, Node_Level, Value_1, State, Image from Jobs "
+    auto stmt = db.shared("select Line_Number || '|' || Code || '|' || Node_Level || '|' || "
+                          "ifnull(Value_1, 'null') || '|' || State || '|' || Image from Jobs "
                           "where Pallet_Number = " +
-                              std::to_string(Pallet) + " and Job_Number = " + std::to_string(job) +
-                              " order by Line_Number");
+                          std::to_string(Pallet) + " and Job_Number = " + std::to_string(job) +
+                          " order by Line_Number");
     std::vector<std::string> rows;
-    while (stmt.step()) {
-        std::string row;
-        for (int i = 0; i < 6; ++i) {
-            auto v = stmt.column(i);
-            row += (v.isText()   ? v.text()
-                    : v.isNull() ? "null"
-                                 : std::to_string(v.integer())) +
-                   "|";
-        }
-        rows.push_back(row);
-    }
+    while (stmt->step())
+        rows.push_back(stmt->column(0).text());
+    stmt->reset();
     return rows;
 }
 

@@ -22,7 +22,6 @@ protected:
         form->btnSkip->click();
     }
     int image(int line) { return tree::ImageIndex(node(line)); }
-    int selected() { return tree::AbsoluteIndex(form->SelectedNode()); }
 };
 
 TEST_F(SkipPasteTest, SkipMarksLineOrSectionAndTheWorkpiecesSepLine) {

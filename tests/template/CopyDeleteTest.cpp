@@ -17,23 +17,17 @@ class CopyDeleteTest : public testsupport::TemplateTest {
 protected:
     void SetUp() override {
         TemplateTest::SetUp();
-        const std::string section = "null, null, null, null, null, null, null, null, null, null";
         cell.run("Quorvel.db",
                  "insert into TemplateName values (2, 'FX-200', 'Small plate', 4, False),"
                  " (3, 'FX-300', 'Third', 1, False);"
-                 "insert into TemplateData values (2, 0, 0, 'HDR', " +
-                     section +
-                     "),"
-                     " (2, 1, 1, 'G90', 0, '1', '', '', '', '', '', '', False, 0),"
-                     " (2, 2, 0, 'WRK', " +
-                     section + "), (2, 3, 0, 'FTR', " + section +
-                     "),"
-                     " (3, 0, 0, 'HDR', " +
-                     section + "), (3, 1, 0, 'FTR', " + section +
-                     ");"
-                     "insert into TemplateDefaults values (2, 'G54', '3');"
-                     "insert into TemplateVersion values (2, 3, 1, 1, 'Add', 'G90', 0),"
-                     " (1, 1, 1, 4, 'Delete', 'G92', 0);");
+                 "insert into TemplateData (Template_ID, Item, Node_Level, Code) values"
+                 " (2, 0, 0, 'HDR'), (2, 2, 0, 'WRK'), (2, 3, 0, 'FTR'), (3, 0, 0, 'HDR'),"
+                 " (3, 1, 0, 'FTR');"
+                 "insert into TemplateData values (2, 1, 1, 'G90', 0, '1', '', '', '', '', '', "
+                 "'', False, 0);"
+                 "insert into TemplateDefaults values (2, 'G54', '3');"
+                 "insert into TemplateVersion values (2, 3, 1, 1, 'Add', 'G90', 0),"
+                 " (1, 1, 1, 4, 'Delete', 'G92', 0);");
     }
 
     // Everything a template owns in the four tables, for before/after comparisons.
@@ -81,19 +75,19 @@ TEST_F(CopyDeleteTest, CopyListsOtherTemplatesAndReplacesOnlyTheTargetsRows) {
     EXPECT_THAT(entries(form.lstTemplateName), ElementsAre("Small plate/2", "Third/3"));
     EXPECT_EQ(form.SourceID(), 2);
 
-    const auto source = owned(2), third = owned(3);
-    const auto defaults = select("select * from TemplateDefaults order by rowid");
-    const auto names = select("select * from TemplateName"), journalRows = journal(1);
+    // Everything but the target's rows stays; the work table's leftover row goes.
+    const auto others = [] {
+        auto all = owned(2), third = owned(3), journalRows = journal(1);
+        for (const auto& more : {third, journalRows, select("select * from TemplateName"),
+                                 select("select * from TemplateDefaults order by rowid")})
+            all.insert(all.end(), more.begin(), more.end());
+        return all;
+    };
+    const auto before = others();
     exec("insert into TemplateCopy select * from TemplateData where Template_ID = 3");
-
     form.btnOKClick();
     EXPECT_EQ(templateRows(1), rowsAs(2, 1));
-    EXPECT_EQ(owned(2), source);
-    EXPECT_EQ(owned(3), third);
-    EXPECT_EQ(select("select * from TemplateDefaults order by rowid"), defaults);
-    EXPECT_EQ(select("select * from TemplateName"), names);
-    EXPECT_EQ(journal(1), journalRows);
-    // The work table held a leftover row; now it holds the copy only.
+    EXPECT_EQ(others(), before);
     EXPECT_EQ(select("select * from TemplateCopy order by Item"), rowsAs(2, 1));
 
     // The user picks another entry: it becomes the source.
@@ -128,28 +122,22 @@ TEST_F(CopyDeleteTest, EditorReloadsItsTreeAndRestartsTheVersionAfterACopy) {
     open();
     ASSERT_EQ(dlg().Version(), 2);
     const auto before = outline(tv());
-    // Cancel: nothing is copied, the tree and the version stay.
-    cell.ui.onModal = [](QWidget* form) {
+    bool ok = false;
+    cell.ui.onModal = [&](QWidget* form) {
         auto* copy = qobject_cast<TdlgCopyTemplate*>(form);
         ASSERT_NE(copy, nullptr);
         copy->FormActivate();
-        copy->btnCancel->click();
-        EXPECT_EQ(copy->ModalResult(), common::ModalResult::Cancel);
+        copy->lstTemplateName->setCurrentRow(1);
+        (ok ? copy->btnOK : copy->btnCancel)->click();
     };
+    // Cancel: nothing is copied, the tree and the version stay.
     cell.ui.modalAnswers = {common::ModalResult::Cancel};
     dlg().btnCopyTemplateClick();
     EXPECT_EQ(outline(tv()), before);
     EXPECT_EQ(dlg().Version(), 2);
 
     // OK on "Third": its two sections replace the demo tree at once.
-    cell.ui.onModal = [](QWidget* form) {
-        auto* copy = qobject_cast<TdlgCopyTemplate*>(form);
-        ASSERT_NE(copy, nullptr);
-        copy->FormActivate();
-        copy->lstTemplateName->setCurrentRow(1);
-        copy->btnOK->click();
-        EXPECT_EQ(copy->ModalResult(), common::ModalResult::Ok);
-    };
+    ok = true;
     cell.ui.modalAnswers = {common::ModalResult::Ok};
     dlg().btnCopyTemplateClick();
     EXPECT_EQ(dlg().Version(), 1);
