@@ -1,16 +1,22 @@
 #pragma once
 // The host's own rows in the shared database (ZEL.db), which the module only reads: the job list
 // (each job's template and fixture) and the job queue (the program and files of a job's report).
+#include "store/Value.h"
+
 #include <memory>
 #include <string>
+#include <vector>
 
-struct sqlite3;
+namespace store {
+class Database;
+}
 
 namespace app {
 
 class CellHostStore {
 public:
-    // Opens the cell's ZEL.db for writing, with the store's busy timeout. Raises on failure.
+    // Opens the cell's ZEL.db (or its schema on the cell's server) for writing, with the store's
+    // busy timeout. Raises on failure.
     explicit CellHostStore(const std::string& cellDir);
     ~CellHostStore();
     CellHostStore(const CellHostStore&) = delete;
@@ -22,11 +28,15 @@ public:
     void removeJob(int pallet, int job);
 
 private:
-    void run(const std::string& sql, int pallet, int job, const std::string* text1,
-             const std::string* text2, const int* number);
+    struct Change {
+        const char* sql;
+        std::vector<store::Value> values;
+    };
+    // Runs the changes in one transaction.
+    void run(const std::vector<Change>& changes);
 
     std::string path_;
-    sqlite3* db_ = nullptr;
+    std::unique_ptr<store::Database> db_;
 };
 
 } // namespace app

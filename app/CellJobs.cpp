@@ -33,8 +33,9 @@ std::vector<CellJob> ListCellJobs() {
         entry(queued->fields(0).asInteger(), queued->fields(1).asInteger()).program =
             queued->fields(2).asString();
     auto rows = DM().NewLocalQuery();
-    rows->setSql("select Pallet_Number, Job_Number, sum(Node_Level > 0), "
-                 "sum(Node_Level > 0 and Image = 2), max(case when Line_Number = 0 then Path end) "
+    rows->setSql("select Pallet_Number, Job_Number, count(case when Node_Level > 0 then 1 end), "
+                 "count(case when Node_Level > 0 and Image = 2 then 1 end), "
+                 "max(case when Line_Number = 0 then Path end) "
                  "from Jobs group by Pallet_Number, Job_Number");
     rows->open();
     for (; !rows->eof(); rows->next()) {

@@ -1,6 +1,7 @@
 #include "CellSession.h"
 
 #include "boundary/Exports.h"
+#include "store/CellFile.h"
 
 #include <filesystem>
 #include <stdexcept>
@@ -9,7 +10,9 @@ namespace app {
 
 CellSession::CellSession(const std::string& cellDir, common::Ui* ui)
     : platform_(cellDir), services_(common::Services{ui ? ui : &consoleUi_, &platform_, &host_}) {
-    if (!std::filesystem::is_regular_file(std::filesystem::path(cellDir) / "ZEL.db"))
+    const std::filesystem::path dir(cellDir);
+    if (!std::filesystem::is_regular_file(dir / "ZEL.db") &&
+        !std::filesystem::is_regular_file(dir / store::ServerCellFile))
         throw std::runtime_error("no cell in " + cellDir + " (run `quorvel init` first)");
     boundary::LibraryLoad();
     try {

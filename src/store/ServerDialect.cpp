@@ -293,9 +293,20 @@ public:
         }
         for (const std::string& c : constraints)
             body += ", " + c;
+        // A select without an order reads the rows in row id order, as on the embedded engine,
+        // where a single INTEGER primary key is the row id itself. (The order keeps the view
+        // updatable.)
+        std::string rowOrder = "_rowid_";
+        int keyColumns = 0;
+        for (const Column& c : columns)
+            keyColumns += c.primaryKey > 0;
+        for (const Column& c : columns)
+            if (keyColumns == 1 && c.primaryKey > 0 && serverType(c.declared) == "bigint" &&
+                c.declared.size() == 7)
+                rowOrder = quoteName(c.name);
         // A view cannot be created "if not exists": it is made only when missing.
         const std::string view = "create view " + quoteName(table) + " as select " + viewColumns +
-                                 " from " + rowsTable(table);
+                                 " from " + rowsTable(table) + " order by " + rowOrder;
         return {
             std::string("create table ") + (ifNotExists ? "if not exists " : "") +
                 rowsTable(table) + " (" + body + ")",

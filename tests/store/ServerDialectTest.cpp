@@ -70,7 +70,7 @@ TEST(ServerDialect, ScriptsBecomeBaseTablesViewsIndexesAndCatalogRows) {
         "smallint, \"name\" text collate \"C\" default 'a;b', \"raw\" text collate \"C\", "
         "unique (\"name\", \"z\"))",
         "create view \"t\" as select \"id\", \"z\", \"auto points\", \"name\", \"raw\" from "
-        "\"t__rows\"",
+        "\"t__rows\" order by _rowid_",
         "insert into quorvel_columns (table_name, position, column_name, declared_type, "
         "primary_key) select * from (values ('T', 0, 'Id', 'INTEGER', 1), ('T', 1, 'Z', 'Real', "
         "2), ('T', 2, 'Auto Points', 'BOOLEAN', 0), ('T', 3, 'Name', 'varchar (10)', 1), ('T', 4, "
@@ -104,7 +104,7 @@ TEST(ServerDialect, ScriptsBecomeBaseTablesViewsIndexesAndCatalogRows) {
 
     EXPECT_EQ(translateScript("create table if not exists T (A)")[1],
               "do $view$ begin if to_regclass('\"t\"') is null then create view \"t\" as select "
-              "\"a\" from \"t__rows\"; end if; end $view$");
+              "\"a\" from \"t__rows\" order by _rowid_; end if; end $view$");
     for (const char* text : {"create table T (A text collate nocase)",
                              "create table T (A integer primary key autoincrement)",
                              "create index I on T (A desc)", "create temp table T (A)"}) {
