@@ -1,5 +1,8 @@
 // Job build: the demo template for pallet 7, small templates for the kinds of line, and failures.
 #include "JobFixture.h"
+#include "store/CellFile.h"
+
+#include <libpq-fe.h>
 
 #include <array>
 #include <vector>
@@ -195,4 +198,44 @@ TEST_F(BuildTest, JobKeysAndPalletTokens) {
     EXPECT_EQ(expand("-5", "[P4]"), "-0005");
     EXPECT_EQ(expand("x", "no token"), "no token");
     EXPECT_THROW(expand("x", "[P4]"), JobError);
+}
+
+// The server run: the connection dies while the rows of a rebuild go in. The error names the
+// server, and the job is as it was (the server rolled the transaction back).
+TEST_F(BuildTest, ALostConnectionLeavesTheJobAsItWasAndNamesTheServer) {
+    const auto server = store::serverLocation(cell.tmp.file("Quorvel.db"));
+    if (!server)
+        GTEST_SKIP() << "a cell on the database server only";
+    build();
+    const std::string before = jobField(6, "Script_Line");
+    // Past the module: a trigger that ends its own connection at the tenth new row.
+    PGconn* admin = PQconnectdb(server->uri.c_str());
+    ASSERT_EQ(PQstatus(admin), CONNECTION_OK) << PQerrorMessage(admin);
+    PGresult* done = PQexec(
+        admin, ("set search_path to " + server->schema +
+                "; create sequence cut_at; create function cut() returns trigger language plpgsql "
+                "as $f$ begin if nextval('cut_at') = 10 then perform pg_terminate_backend("
+                "pg_backend_pid()); end if; return new; end $f$; create trigger cut after insert "
+                "on jobs__rows for each row execute function cut()")
+                   .c_str());
+    EXPECT_EQ(PQresultStatus(done), PGRES_COMMAND_OK) << PQerrorMessage(admin);
+    PQclear(done);
+    PQfinish(admin);
+    try {
+        form->BuildJobFromTemplate();
+        ADD_FAILURE() << "the build went through";
+    } catch (const std::exception& e) {
+        EXPECT_NE(std::string(e.what()).find("connection to the database server " +
+                                             server->shownUri + " was lost"),
+                  std::string::npos)
+            << e.what();
+    }
+    form.reset();
+    FreeDlgTemplate();
+    FreeDM();
+    CreateDM();
+    DM().OpenStore(cell.dir(), cell.dir(), 0, 0);
+    EXPECT_EQ(read("select count(*) from Jobs where Pallet_Number = 7 and Job_Number = 1"), "30");
+    EXPECT_EQ(read("select Script_Line from Jobs where Pallet_Number = 7 and Line_Number = 6"),
+              before);
 }

@@ -139,3 +139,20 @@ TEST_F(CellTest, ForceIsRefusedWhileAnotherConnectionHoldsTheCell) {
     local.open();
     EXPECT_EQ(count(local, "TemplateName"), templates);
 }
+
+// A server cell whose server is down: the message names the server, never its password.
+TEST(ServerCell, AServerThatCannotBeReachedIsNamedWithoutItsPassword) {
+    testsupport::TempDir dir;
+    testsupport::writeFile(dir.file("server.cell"),
+                           "# down\nserver = postgresql://quorvel:s3cret@/shop?host=" + dir.str() +
+                               "/nothing\nname = shop\n");
+    Database db("Local", "Default");
+    db.setFileName(dir.file("Quorvel.db"));
+    const auto text = testsupport::storeErrorText([&] { db.open(); });
+    EXPECT_NE(text.find("Cannot open database Local on server postgresql://quorvel@/shop?host="),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("cannot be reached"), std::string::npos) << text;
+    EXPECT_EQ(text.find("s3cret"), std::string::npos) << text;
+    EXPECT_FALSE(db.connected());
+}
