@@ -1,22 +1,62 @@
-// Keyed table operations on a Jobs table of growing size: the cost per operation must stay flat.
+// Keyed table operations on a Jobs table of growing size, on both engines: the cost per operation
+// must stay flat, and a move on the server (a round trip over a local socket) within ten times
+// the embedded engine's.
 #include "store/CellInit.h"
 #include "store/DataMod.h"
 
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <random>
+#include <stdexcept>
 
 namespace {
 
-// One cell per table size, filled once: 10 pallets of jobs with `rows` lines in all.
+// The PostgreSQL server of the run, started at the first server benchmark and stopped at exit;
+// QUORVEL_BENCH_SERVER names another one instead.
+struct BenchServer {
+    BenchServer() {
+        if (const char* given = std::getenv("QUORVEL_BENCH_SERVER"); given && *given) {
+            uri = given;
+            return;
+        }
+        dir = (std::filesystem::temp_directory_path() / "quorvel-bench-server").string();
+        if (std::system(
+                ("bash " QUORVEL_SOURCE_DIR "/scripts/test-server.sh start " + dir + " >/dev/null")
+                    .c_str()) != 0)
+            throw std::runtime_error("the benchmark's PostgreSQL server did not start");
+        uri = "postgresql:///quorvel_test?host=" + dir + "&user=postgres";
+    }
+    ~BenchServer() {
+        if (!dir.empty())
+            std::system(("bash " QUORVEL_SOURCE_DIR "/scripts/test-server.sh stop " + dir).c_str());
+    }
+    std::string dir;
+    std::string uri;
+};
+
+const std::string& serverUri() {
+    static BenchServer server;
+    return server.uri;
+}
+
+// One cell per table size and engine, filled once: 10 pallets of jobs with `rows` lines in all.
 struct JobsCell {
-    explicit JobsCell(int rows) {
-        dir = std::filesystem::temp_directory_path() / ("quorvel-bench-" + std::to_string(rows));
-        store::createCell(dir.string(),
-                          {.overwrite = true, .demoData = false, .server = {}, .serverName = {}});
+    JobsCell(int rows, bool onServer) {
+        const std::string name = "bench" + std::to_string(rows);
+        dir = std::filesystem::temp_directory_path() /
+              ("quorvel-" + name + (onServer ? "-server" : ""));
+        store::CellOptions options;
+        options.overwrite = true;
+        options.demoData = false;
+        if (onServer) {
+            options.server = serverUri();
+            options.serverName = name;
+        }
+        store::createCell(dir.string(), options);
         db = std::make_unique<store::Database>("Local", "Default");
         db->setFileName((dir / "Quorvel.db").string());
         db->open();
@@ -49,16 +89,19 @@ struct JobsCell {
     int linesPerPallet = 0;
 };
 
-JobsCell& cell(int rows) {
-    static std::map<int, std::unique_ptr<JobsCell>> cells;
-    auto& c = cells[rows];
+// The cell of a benchmark's arguments: rows, and 1 for the server.
+JobsCell& cell(const benchmark::State& state) {
+    static std::map<std::pair<int, int>, std::unique_ptr<JobsCell>> cells;
+    const auto key =
+        std::make_pair(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    auto& c = cells[key];
     if (!c)
-        c = std::make_unique<JobsCell>(rows);
+        c = std::make_unique<JobsCell>(key.first, key.second != 0);
     return *c;
 }
 
 void BM_FindKey(benchmark::State& state) {
-    auto& c = cell(static_cast<int>(state.range(0)));
+    auto& c = cell(state);
     std::mt19937 random(42);
     std::uniform_int_distribution<int> line(0, c.linesPerPallet - 1);
     for (auto _ : state) {
@@ -69,7 +112,7 @@ void BM_FindKey(benchmark::State& state) {
 }
 
 void BM_NextFiltered(benchmark::State& state) {
-    auto& c = cell(static_cast<int>(state.range(0)));
+    auto& c = cell(state);
     c.table->setFilter("Pallet_Number = 5 and Job_Number = 1");
     c.table->setFiltered(true);
     for (auto _ : state) {
@@ -81,7 +124,7 @@ void BM_NextFiltered(benchmark::State& state) {
 }
 
 void BM_NextUnfiltered(benchmark::State& state) {
-    auto& c = cell(static_cast<int>(state.range(0)));
+    auto& c = cell(state);
     c.table->findNearest({3});
     for (auto _ : state) {
         c.table->next();
@@ -91,7 +134,7 @@ void BM_NextUnfiltered(benchmark::State& state) {
 }
 
 void BM_EditPost(benchmark::State& state) {
-    auto& c = cell(static_cast<int>(state.range(0)));
+    auto& c = cell(state);
     std::mt19937 random(7);
     std::uniform_int_distribution<int> line(0, c.linesPerPallet - 1);
     int n = 0;
@@ -105,8 +148,12 @@ void BM_EditPost(benchmark::State& state) {
 
 } // namespace
 
-BENCHMARK(BM_FindKey)->Arg(1000)->Arg(10000)->Arg(100000);
-BENCHMARK(BM_NextFiltered)->Arg(1000)->Arg(10000)->Arg(100000);
-BENCHMARK(BM_NextUnfiltered)->Arg(1000)->Arg(10000)->Arg(100000);
-BENCHMARK(BM_EditPost)->Arg(1000)->Arg(10000)->Arg(100000);
+void storeArguments(benchmark::internal::Benchmark* b) {
+    b->ArgNames({"rows", "server"})->ArgsProduct({{1000, 10000, 100000}, {0, 1}});
+}
+
+BENCHMARK(BM_FindKey)->Apply(storeArguments);
+BENCHMARK(BM_NextFiltered)->Apply(storeArguments);
+BENCHMARK(BM_NextUnfiltered)->Apply(storeArguments);
+BENCHMARK(BM_EditPost)->Apply(storeArguments);
 BENCHMARK_MAIN();

@@ -493,7 +493,8 @@ std::shared_ptr<Link> connect(const ServerLocation& location) {
                 "reached: " + Link::trimmed(link->conn ? PQerrorMessage(link->conn) : "no memory"),
             code::CantOpen);
     link->exec("set client_encoding = 'UTF8'; set lock_timeout = " +
-               std::to_string(Database::BusyTimeoutMs) + "; set client_min_messages = warning");
+               std::to_string(Database::BusyTimeoutMs) +
+               "; set client_min_messages = warning; set plan_cache_mode = force_generic_plan");
     return link;
 }
 
