@@ -9,8 +9,10 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <random>
 
 using store::Database;
 using store::StoreError;
@@ -155,4 +157,28 @@ TEST(ServerCell, AServerThatCannotBeReachedIsNamedWithoutItsPassword) {
     EXPECT_NE(text.find("cannot be reached"), std::string::npos) << text;
     EXPECT_EQ(text.find("s3cret"), std::string::npos) << text;
     EXPECT_FALSE(db.connected());
+}
+
+// `quorvel init --server`: the cell file names the server, both schemas hold the demo, and a
+// second init without --force is refused.
+TEST(ServerCell, InitMakesBothSchemasAndTheCellFile) {
+    if (!testsupport::onTestServer())
+        GTEST_SKIP() << "a database server only";
+    testsupport::TempDir dir;
+    const std::string cellDir = dir.file("cell");
+    store::CellOptions options;
+    options.server = std::getenv("QUORVEL_TEST_SERVER");
+    options.serverName = "init" + std::to_string(std::random_device()() % 1000000000);
+    store::createCell(cellDir, options);
+    EXPECT_NE(testsupport::readFile(cellDir + "/server.cell").find("name = " + options.serverName),
+              std::string::npos);
+    for (const char* file : {"ZEL.db", "Quorvel.db"})
+        EXPECT_FALSE(std::filesystem::exists(cellDir + "/" + file)) << file;
+    Database local("Local", "Default");
+    local.setFileName(cellDir + "/Quorvel.db");
+    local.open();
+    EXPECT_GT(count(local, "TemplateName"), 0);
+    local.close();
+    const auto text = testsupport::storeErrorText([&] { store::createCell(cellDir, options); });
+    EXPECT_NE(text.find("give --force"), std::string::npos) << text;
 }
