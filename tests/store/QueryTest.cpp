@@ -153,3 +153,20 @@ TEST_F(QueryTest, TransactionRollsBackUnlessCommitted) {
     q.open();
     EXPECT_EQ(q.fields(0).asInteger(), 1);
 }
+
+// A number placed in a text column keeps the digits typed; a quoted one in a number column is a
+// number. On both engines.
+TEST_F(QueryTest, NumbersPlacedInTextColumnsKeepTheDigitsTyped) {
+    Query q(db);
+    for (const char* sql : {"insert into T values (3, 007)", "update T set B = 0.500 where A = 1",
+                            "insert into T (A, B) values ('4', -1.50)"}) {
+        q.setSql(sql);
+        q.execSQL();
+    }
+    q.setSql("select A, B from T where A <> 2 order by A");
+    q.open();
+    std::vector<std::string> read;
+    for (; !q.eof(); q.next())
+        read.push_back(q.fields(0).asString() + "|" + q.fields(1).asString());
+    EXPECT_EQ(read, (std::vector<std::string>{"1|0.500", "3|007", "4|-1.50"}));
+}
