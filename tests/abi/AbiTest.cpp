@@ -41,13 +41,16 @@ private:
     void* handle_;
 };
 
+// The export `name` of `lib`, typed as the header declares it.
+#define RC_FN(lib, name) (lib).fn<decltype(&name)>(#name)
+
 // A cell made from the schema files with the engine's own API, as a host's installer would.
 struct Cell {
     Cell() { abitest::makeCell(tmp, false); }
     void run(const std::string& file, const std::string& sql) const {
         abitest::sql(tmp.file(file), sql);
     }
-    std::string dir() const { return tmp.str(); }
+    const char* dir() const { return tmp.path().c_str(); }
     testsupport::TempDir tmp;
 };
 
@@ -61,90 +64,72 @@ TEST(CAbi, ExportsRunFromTheCallToTheStoreAndBack) {
     ASSERT_TRUE(lib.loaded()) << dlerror();
     Messages messages;
     RcHostCallbacks callbacks{&messages, onTerminate, nullptr, onMessage};
-    lib.fn<void (*)(const RcHostCallbacks*)>("RcSetHostCallbacks")(&callbacks);
+    RC_FN(lib, RcSetHostCallbacks)(&callbacks);
 
     char small[4];
-    auto pluginName = lib.fn<int32_t (*)(char*, int32_t)>("PluginName");
-    EXPECT_EQ(pluginName(small, sizeof small), 13); // full length, text cut to fit
+    EXPECT_EQ(RC_FN(lib, PluginName)(small, sizeof small), 13); // full length, text cut to fit
     EXPECT_STREQ(small, "FAN");
     char buffer[64];
-    lib.fn<int32_t (*)(char*, int32_t)>("FileExtensions")(buffer, sizeof buffer);
+    RC_FN(lib, FileExtensions)(buffer, sizeof buffer);
     EXPECT_STREQ(buffer, ".NC");
 
-    auto initialize = lib.fn<int32_t (*)(const char*, const char*, int32_t, int32_t)>("Initialize");
-    ASSERT_EQ(initialize(cell.dir().c_str(), cell.dir().c_str(), 0, 0), 0);
+    ASSERT_EQ(RC_FN(lib, Initialize)(cell.dir(), cell.dir(), 0, 0), 0);
     EXPECT_TRUE(messages.texts.empty());
 
-    auto newList = lib.fn<RcStringList* (*)()>("RcStringListNew");
-    auto freeList = lib.fn<void (*)(RcStringList*)>("RcStringListFree");
-    auto count = lib.fn<int32_t (*)(const RcStringList*)>("RcStringListCount");
-    auto at = lib.fn<const char* (*)(const RcStringList*, int32_t)>("RcStringListString");
-    auto idAt = lib.fn<int32_t (*)(const RcStringList*, int32_t)>("RcStringListTemplateId");
-    auto load = lib.fn<int32_t (*)(const char*, RcStringList*, int32_t)>("LoadTemplateNames");
-    auto freeNames = lib.fn<void (*)(RcStringList*)>("FreeTemplateNames");
-    auto lastError = lib.fn<const char* (*)()>("RcLastError");
-
-    RcStringList* list = newList();
+    auto load = RC_FN(lib, LoadTemplateNames);
+    auto count = RC_FN(lib, RcStringListCount);
+    auto lastError = RC_FN(lib, RcLastError);
+    RcStringList* list = RC_FN(lib, RcStringListNew)();
     ASSERT_EQ(load("FX", list, 1), 0);
     ASSERT_EQ(count(list), 2);
-    EXPECT_STREQ(at(list, 1), "Two");
-    EXPECT_EQ(idAt(list, 1), 2);
-    EXPECT_EQ(at(list, 5), nullptr);
+    EXPECT_STREQ(RC_FN(lib, RcStringListString)(list, 1), "Two");
+    EXPECT_EQ(RC_FN(lib, RcStringListTemplateId)(list, 1), 2);
+    EXPECT_EQ(RC_FN(lib, RcStringListString)(list, 5), nullptr);
     EXPECT_EQ(load("it's", list, 1), -1);
     EXPECT_NE(std::string(lastError()).find("it's"), std::string::npos) << lastError();
-    freeNames(list);
+    RC_FN(lib, FreeTemplateNames)(list);
     EXPECT_EQ(count(list), 0);
-    freeNames(nullptr);
-    freeList(list);
+    RC_FN(lib, FreeTemplateNames)(nullptr);
+    RC_FN(lib, RcStringListFree)(list);
 
-    auto getName = lib.fn<int32_t (*)(int32_t, char*, int32_t)>("GetTemplateName");
-    EXPECT_EQ(getName(4, buffer, sizeof buffer), 4);
+    EXPECT_EQ(RC_FN(lib, GetTemplateName)(4, buffer, sizeof buffer), 4);
     EXPECT_STREQ(buffer, "Four");
 }
 
-TEST(CAbi, MissingTableIsReportedThroughTheHost) {
+// A missing table is reported through the host and asks it to terminate; unloading the library
+// ends that, and a reloaded module has no store until it is initialised.
+TEST(CAbi, MissingTableIsReportedAndAReloadStartsAfresh) {
     Cell cell;
     cell.run("Quorvel.db", "drop table Jobs;");
-    Library lib;
-    ASSERT_TRUE(lib.loaded()) << dlerror();
     Messages messages;
     RcHostCallbacks callbacks{&messages, onTerminate, nullptr, onMessage};
-    lib.fn<void (*)(const RcHostCallbacks*)>("RcSetHostCallbacks")(&callbacks);
-    auto initialize = lib.fn<int32_t (*)(const char*, const char*, int32_t, int32_t)>("Initialize");
-    EXPECT_EQ(initialize(cell.dir().c_str(), cell.dir().c_str(), 0, 0), 0)
-        << lib.fn<const char* (*)()>("RcLastError")();
-    EXPECT_EQ(messages.texts, std::vector<std::string>{"Jobs is missing from Local"});
-    EXPECT_EQ(messages.terminates, 1);
-    EXPECT_EQ(lib.fn<int32_t (*)()>("RcTerminateRequested")(), 1);
-
-    // A good initialisation ends the request to terminate.
-    Cell good;
-    EXPECT_EQ(initialize(good.dir().c_str(), good.dir().c_str(), 0, 0), 0);
-    EXPECT_EQ(lib.fn<int32_t (*)()>("RcTerminateRequested")(), 0);
-
-    testsupport::TempDir empty;
-    EXPECT_EQ(initialize(empty.str().c_str(), empty.str().c_str(), 0, 0), -1);
-    EXPECT_NE(std::string(lib.fn<const char* (*)()>("RcLastError")()).find("ZEL.db"),
-              std::string::npos);
-}
-
-TEST(CAbi, UnloadingTheLibraryUnloadsItAndAReloadStartsAfresh) {
-    Cell cell;
     {
         Library lib;
         ASSERT_TRUE(lib.loaded()) << dlerror();
-        auto initialize =
-            lib.fn<int32_t (*)(const char*, const char*, int32_t, int32_t)>("Initialize");
-        ASSERT_EQ(initialize(cell.dir().c_str(), cell.dir().c_str(), 0, 0), 0);
+        RC_FN(lib, RcSetHostCallbacks)(&callbacks);
+        EXPECT_EQ(RC_FN(lib, Initialize)(cell.dir(), cell.dir(), 0, 0), 0);
+        EXPECT_EQ(messages.texts, std::vector<std::string>{"Jobs is missing from Local"});
+        EXPECT_EQ(messages.terminates, 1);
+        EXPECT_EQ(RC_FN(lib, RcTerminateRequested)(), 1);
     }
     // Gone from the process: its unload ran and nothing of it stays.
     EXPECT_EQ(dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW | RTLD_NOLOAD), nullptr);
-    Library again;
-    ASSERT_TRUE(again.loaded()) << dlerror();
-    auto list = again.fn<RcStringList* (*)()>("RcStringListNew")();
-    // A fresh module has no store open until it is initialised.
-    EXPECT_EQ(again.fn<int32_t (*)(const char*, RcStringList*, int32_t)>("LoadTemplateNames")(
-                  "", list, 0),
-              -1);
-    again.fn<void (*)(RcStringList*)>("RcStringListFree")(list);
+    Library lib;
+    ASSERT_TRUE(lib.loaded()) << dlerror();
+    EXPECT_EQ(RC_FN(lib, RcTerminateRequested)(), 0);
+    RcStringList* list = RC_FN(lib, RcStringListNew)();
+    EXPECT_EQ(RC_FN(lib, LoadTemplateNames)("", list, 0), -1);
+    RC_FN(lib, RcStringListFree)(list);
+
+    // A good initialisation ends a request to terminate; a folder without a cell is named.
+    auto initialize = RC_FN(lib, Initialize);
+    RC_FN(lib, RcSetHostCallbacks)(&callbacks);
+    EXPECT_EQ(initialize(cell.dir(), cell.dir(), 0, 0), 0);
+    EXPECT_EQ(RC_FN(lib, RcTerminateRequested)(), 1);
+    Cell good;
+    EXPECT_EQ(initialize(good.dir(), good.dir(), 0, 0), 0);
+    EXPECT_EQ(RC_FN(lib, RcTerminateRequested)(), 0);
+    testsupport::TempDir empty;
+    EXPECT_EQ(initialize(empty.str().c_str(), empty.str().c_str(), 0, 0), -1);
+    EXPECT_NE(std::string(RC_FN(lib, RcLastError)()).find("ZEL.db"), std::string::npos);
 }

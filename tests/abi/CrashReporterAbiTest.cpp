@@ -1,11 +1,10 @@
 // The crash reporter as a host asks for it: in a child process, which loads the module, runs a
 // statement through it and then crashes.
+#include "AbiHost.h"
 #include "RobocutAbi.h"
-#include "support/TestSupport.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <signal.h>
 #include <stdlib.h>
@@ -18,6 +17,8 @@
 
 namespace {
 
+#define RC(name) reinterpret_cast<decltype(&name)>(dlsym(lib, #name))
+
 // The child's steps; its exit code names the first that failed.
 [[noreturn]] void crashThroughTheModule(const std::string& folder, const std::string& cell) {
     const rlimit noCore{0, 0};
@@ -26,30 +27,18 @@ namespace {
     void* lib = dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW | RTLD_LOCAL);
     if (!lib)
         _exit(2);
-    auto install = reinterpret_cast<int32_t (*)(const char*)>(dlsym(lib, "RcInstallCrashReporter"));
-    auto lastError = reinterpret_cast<const char* (*)()>(dlsym(lib, "RcLastError"));
-    auto initialize = reinterpret_cast<int32_t (*)(const char*, const char*, int32_t, int32_t)>(
-        dlsym(lib, "Initialize"));
-    auto deleteJob =
-        reinterpret_cast<int32_t (*)(const char*, const char*)>(dlsym(lib, "DeleteJob"));
+    auto install = RC(RcInstallCrashReporter);
+    auto lastError = RC(RcLastError);
     const std::string missing = folder + "/missing";
     if (install(missing.c_str()) == 0 || install(nullptr) == 0 ||
         std::string(lastError()) != "The crash report folder \"\" is not a writable folder")
         _exit(3);
     if (install(folder.c_str()) != 0)
         _exit(4);
-    if (initialize(cell.c_str(), cell.c_str(), 0, 0) != 0 || deleteJob("1", "2") != 0)
+    if (RC(Initialize)(cell.c_str(), cell.c_str(), 0, 0) != 0 || RC(DeleteJob)("1", "2") != 0)
         _exit(5);
     raise(SIGSEGV);
     _exit(6);
-}
-
-void makeDatabase(const std::string& file, const std::string& schema) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
-    const std::string sql = testsupport::readFile(std::string(QUORVEL_DATA_DIR) + "/" + schema);
-    EXPECT_EQ(sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
-    sqlite3_close(db);
 }
 
 } // namespace
@@ -57,8 +46,7 @@ void makeDatabase(const std::string& file, const std::string& schema) {
 TEST(CAbi, CrashReporterTakesOnlyAWritableFolderAndReportsTheModulesLastStatement) {
     testsupport::TempDir folder;
     testsupport::TempDir cell;
-    makeDatabase(cell.file("ZEL.db"), "schema_shared.sql");
-    makeDatabase(cell.file("Quorvel.db"), "schema_local.sql");
+    abitest::makeCell(cell, false);
     const pid_t child = fork();
     if (child == 0)
         crashThroughTheModule(folder.str(), cell.str());

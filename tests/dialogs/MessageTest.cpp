@@ -75,10 +75,8 @@ TEST_F(MessageTest, KindSetsIconCaptionButtonsAndPlacement) {
         EXPECT_EQ(dlg.windowTitle(), c.caption);
         for (auto ico : {&D::icoInformation, &D::icoQuestion, &D::icoWarning})
             EXPECT_EQ(!(dlg.*ico)->isHidden(), ico == c.icon);
-        EXPECT_EQ(dlg.icoWarning->pos(), dlg.icoInformation->pos());
         EXPECT_EQ(dlg.btnYes->text(), c.yes);
         EXPECT_EQ(dlg.DefaultResult(), c.yesResult);
-        EXPECT_EQ(dlg.property("defaultModalResult").toInt(), int(c.yesResult));
         const int cw = dlg.width(), w = dlg.btnYes->width();
         ASSERT_EQ(dlg.btnNo->isHidden(), c.no == nullptr);
         if (!c.no) {

@@ -51,46 +51,44 @@ protected:
 
 TEST_F(CursorCacheTest, MovesAndSearchesInATransactionMatchTheEngine) {
     using Step = std::function<void()>;
-    const std::vector<Step> steps{
-        [&] { t.first(); },
-        [&] { t.next(); },
-        [&] { t.next(); },
-        [&] { t.prior(); },
-        [&] { t.prior(); },
-        [&] { t.prior(); }, // before the first row
-        [&] { t.findNearest({"B"}); },
-        [&] {
-            t.findNearest({"B", 2});
-        },
-        [&] {
-            t.findNearest({"B", "3", "UV"});
-        }, // text for a number column
-        [&] {
-            t.findNearest({"B", 2, ""});
-        },
-        [&] { t.findNearest({"C"}); },   // between codes
-        [&] { t.findNearest({"G92"}); }, // case counts in key order
-        [&] { t.findNearest({"Z"}); },   // past the last key
-        [&] { t.next(); },
-        [&] { t.findNearest({""}); },
-        [&] {
-            t.setFilter("Command = 'UV'");
-            t.setFiltered(true);
-        },
-        [&] {
-            t.findNearest({"G92", 2});
-        },
-        [&] { t.next(); },
-        [&] { t.next(); },
-        [&] { t.setFiltered(false); },
-        [&] { t.next(); },
-        [&] {
-            t.findNearest({"M98", 3, "UV"});
-        },
-        [&] { t.next(); }, // at the last row
-        [&] { t.last(); },
-        [&] { t.prior(); },
+    const Step first = [&] { t.first(); }, last = [&] { t.last(); };
+    const Step next = [&] { t.next(); }, prior = [&] { t.prior(); };
+    const auto nearest = [&](auto... key) {
+        return Step([&, k = std::vector<Value>{Value(key)...}] { t.findNearest(k); });
     };
+    const auto filter = [&](bool on) {
+        return Step([&, on] {
+            t.setFilter("Command = 'UV'");
+            t.setFiltered(on);
+        });
+    };
+    // Steps past either end; nearest keys between codes, in another case, past the last key, with
+    // text for a number column; the same under a filter.
+    const std::vector<Step> steps{first,
+                                  next,
+                                  next,
+                                  prior,
+                                  prior,
+                                  prior,
+                                  nearest("B"),
+                                  nearest("B", 2),
+                                  nearest("B", "3", "UV"),
+                                  nearest("B", 2, ""),
+                                  nearest("C"),
+                                  nearest("G92"),
+                                  nearest("Z"),
+                                  next,
+                                  nearest(""),
+                                  filter(true),
+                                  nearest("G92", 2),
+                                  next,
+                                  next,
+                                  filter(false),
+                                  next,
+                                  nearest("M98", 3, "UV"),
+                                  next,
+                                  last,
+                                  prior};
     const auto walk = [&] {
         std::string trace;
         for (const auto& step : steps) {
