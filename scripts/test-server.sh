@@ -12,6 +12,8 @@ if [ -z "$bin" ] || [ ! -x "$bin/pg_ctl" ]; then
        "run scripts/setup.sh" >&2
   exit 1
 fi
+# The postgres user may not reach the caller's folder (a checkout under /root): work from /.
+cd /
 # The server refuses to run as root: it runs as the postgres user, which owns the folder.
 as_owner=()
 if [ "$(id -u)" = 0 ]; then
