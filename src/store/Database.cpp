@@ -43,16 +43,17 @@ void Database::open(bool create) {
         return StoreError("Cannot open database " + databaseName_ + (place ? " " : ": ") + what,
                           e.engineCode());
     };
+    std::string location; // for messages
     try {
         const auto server = serverLocation(fileName_);
         if (server) {
             connection_ = openServer(*server, {.create = create, .forReading = openForReading_});
-            location_ = "in schema " + server->schema + " (for " + server->file + ") on server " +
-                        server->shownUri;
+            location = "in schema " + server->schema + " (for " + server->file + ") on server " +
+                       server->shownUri;
         } else {
             connection_ =
                 openSqliteFile(fileName_, {.create = create, .forReading = openForReading_});
-            location_ = "in file " + fileName_;
+            location = "in file " + fileName_;
         }
     } catch (const StoreError& e) {
         throw opening(e);
@@ -61,11 +62,9 @@ void Database::open(bool create) {
         checkSchemaVersion();
     } catch (const StoreError& e) {
         close();
-        throw opening(StoreError(location_ + ": " + e.what(), e.engineCode()));
+        throw opening(StoreError(location + ": " + e.what(), e.engineCode()));
     }
 }
-
-std::string Database::location() const { return location_; }
 
 void Database::checkSchemaVersion() {
     if (schemaVersion_ < 0)
@@ -178,17 +177,17 @@ std::uint64_t& Database::tableGeneration(const std::string& tableName) {
 
 int Database::changes() const { return connection_ ? connection_->changes() : 0; }
 
-// The outermost transaction begins immediate, so that a second writer waits the busy timeout at
-// the start instead of failing at its first write; a connection that cannot write begins a plain
-// one. Inner ones are savepoints, which nest by name, the innermost first, so one name serves
-// every level. The statements stay prepared. Opening and committing change no data; a rollback
-// does.
 std::uint64_t Database::transactionSerial() const {
     return connection_ && connection_->inTransaction() ? transactionSerial_ : 0;
 }
 
 std::int64_t Database::dataVersion() { return connection().dataVersion(); }
 
+// The outermost transaction takes the write lock at its start, so that a second writer waits the
+// busy timeout there instead of failing at its first write; a connection that cannot write
+// begins a plain one. Inner ones are savepoints, which nest by name, the innermost first, so one
+// name serves every level. The statements stay prepared. Opening and committing change no data;
+// a rollback does.
 Transaction::Transaction(Database& db) : db_(db) {
     auto& connection = db_.connection();
     savepoint_ = connection.inTransaction();

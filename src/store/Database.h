@@ -77,8 +77,6 @@ public:
     static constexpr std::size_t CacheBound = 256;
     // The open connection; raises when the database is closed.
     Connection& connection();
-    // Where the database lives, for messages: "in file F" or "in schema S on server U".
-    std::string location() const;
     // Rows changed by the last statement.
     int changes() const;
     // Increments whenever any statement on this connection may have changed data.
@@ -102,7 +100,6 @@ private:
     bool openForReading_ = false;
     int schemaVersion_ = -1; // -1: not checked
     std::unique_ptr<Connection> connection_;
-    std::string location_;
     void checkSchemaVersion();
     // Most recently used first; the map finds a text's place in the list.
     using CacheList = std::list<std::pair<std::string, std::shared_ptr<Statement>>>;

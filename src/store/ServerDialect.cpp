@@ -25,15 +25,7 @@ bool sameWord(std::string_view a, std::string_view b) {
 }
 
 // A single-quoted SQL literal.
-std::string literal(std::string_view s) {
-    std::string out = "'";
-    for (const char c : s) {
-        out += c;
-        if (c == '\'')
-            out += '\'';
-    }
-    return out + "'";
-}
+std::string literal(std::string_view s) { return sql::quote(s, '\''); }
 
 // The name a word or a closed quoted name stands for: quotes removed, doubled quotes undone.
 std::string nameOf(std::string_view token) {
@@ -607,15 +599,7 @@ std::string foldName(std::string_view name) {
     return out;
 }
 
-std::string quoteName(std::string_view name) {
-    std::string out = "\"";
-    for (const char c : foldName(name)) {
-        out += c;
-        if (c == '"')
-            out += '"';
-    }
-    return out + "\"";
-}
+std::string quoteName(std::string_view name) { return sql::quote(foldName(name), '"'); }
 
 std::string rowsTable(std::string_view name) { return quoteName(std::string(name) + "__rows"); }
 

@@ -2,6 +2,7 @@
 
 #include "store/Database.h"
 #include "store/ServerDialect.h"
+#include "store/SqlTokens.h"
 #include "store/StoreError.h"
 
 #include <libpq-fe.h>
@@ -59,15 +60,7 @@ std::int64_t textHash(const std::string& text) {
     return static_cast<std::int64_t>(h >> 1);
 }
 
-std::string literal(const std::string& text) {
-    std::string out = "'";
-    for (char c : text) {
-        if (c == '\'')
-            out += '\'';
-        out += c;
-    }
-    return out + "'";
-}
+std::string literal(const std::string& text) { return sql::quote(text, '\''); }
 
 // The connection itself, shared by the statements so that it outlives the last of them (as the
 // embedded engine keeps a closed connection until its statements are finalized).

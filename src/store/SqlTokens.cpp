@@ -112,4 +112,14 @@ std::vector<Token> tokenize(std::string_view s) {
     return tokens;
 }
 
+std::string quote(std::string_view text, char mark) {
+    std::string out(1, mark);
+    for (const char c : text) {
+        out += c;
+        if (c == mark)
+            out += mark;
+    }
+    return out + mark;
+}
+
 } // namespace store::sql

@@ -4,6 +4,7 @@
 // It follows SQLite's own tokenizer closely enough that every place it finds a literal, a quoted
 // name or a comment is one for the engine too; rewrites only ever touch other tokens.
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -35,5 +36,8 @@ bool isIdChar(char c);
 // Splits the text into tokens. A literal or quoted name left open becomes one last token that
 // runs to the end: it is never closed here, so the engine still sees it broken and refuses it.
 std::vector<Token> tokenize(std::string_view s);
+
+// `text` between two `mark`s, each `mark` inside doubled: a literal ('), a quoted name (").
+std::string quote(std::string_view text, char mark);
 
 } // namespace store::sql

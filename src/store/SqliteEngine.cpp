@@ -1,6 +1,7 @@
 #include "store/SqliteEngine.h"
 
 #include "store/Database.h"
+#include "store/SqlTokens.h"
 #include "store/StoreError.h"
 
 #include <sqlite3.h>
@@ -35,15 +36,7 @@ bool onlyTrailingNoise(const char* tail) {
     return true;
 }
 
-std::string quoted(const std::string& name) {
-    std::string out = "\"";
-    for (char c : name) {
-        if (c == '"')
-            out += '"';
-        out += c;
-    }
-    return out + "\"";
-}
+std::string quoted(const std::string& name) { return sql::quote(name, '"'); }
 
 class SqliteStatement : public EngineStatement {
 public:
