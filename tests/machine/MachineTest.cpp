@@ -43,7 +43,6 @@ TEST_F(MachineTest, ListsUnitsOfTheTypeIgnoringCaseOnly) {
              " (1, 1, 'Unit', 'Machine Name', 'Mixed'), (1, 1, 'Unit', 'Display Number', '1')"),
         QStringList({"(Select a machine)", "01.02     Upper", "01.01     Mixed"}));
     EXPECT_EQ(cmbMachines.currentIndex(), 0);
-    EXPECT_EQ(MachineOf(&cmbMachines, 0), nullptr);
     EXPECT_EQ(MachineOf(&cmbMachines, 3), nullptr);
     const TMachineInfo* upper = MachineOf(&cmbMachines, 1);
     ASSERT_NE(upper, nullptr);

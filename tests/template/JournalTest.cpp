@@ -16,8 +16,6 @@ TEST_F(JournalTest, OkRaisesTheVersionByOneAndPostsTheName) {
               std::vector<std::string>{"Renamed plate"});
     EXPECT_TRUE(journal(1).empty());
     EXPECT_EQ(templateRows(1), rows);
-    open();
-    EXPECT_EQ(dlg().Version(), 3);
 
     // A new template confirmed for the first time stays at version 1.
     exec("insert into TemplateName values(2, 'FX', '', 1, False)");
@@ -29,8 +27,6 @@ TEST_F(JournalTest, OkRaisesTheVersionByOneAndPostsTheName) {
     dlg().btnOKClick();
     EXPECT_EQ(templateVersion(2), "1");
     EXPECT_EQ(templateRows(2).size(), 3u);
-    dlg().LoadTemplate(1, 2);
-    EXPECT_EQ(dlg().Version(), 2);
 }
 
 TEST_F(JournalTest, CancelAsksThenFailsOnTheTemplateColumnAndKeepsTheRows) {

@@ -55,7 +55,6 @@ protected:
 TEST_F(PluginTest, EachOpeningServesThePluginsInOrderAndPassesOverMissingEntryPoints) {
     open();
     selectAt(2); // without plug-ins the object keeps its empty filter
-    EXPECT_EQ(tree::NodeObject(tree::Selected(tv()))->FilterIndex, 0);
     EXPECT_EQ(tree::NodeObject(tree::Selected(tv()))->FileFilter, "");
 
     AddTemplatePlugin(full);

@@ -58,11 +58,6 @@ TEST_F(TemplateTest, SaveWritesTheTreeBackRowForRowAndRenumbersItems) {
     for (std::size_t i = 0; i < after.size(); ++i)
         EXPECT_EQ(after[i].substr(0, after[i].find('|')), std::to_string(i));
     EXPECT_EQ(templateRows(1).back(), "1|28|1|WIRE|0||||||||1|0");
-
-    dlg().LoadTemplate(3, 1);
-    const auto reloaded = outline(tv());
-    EXPECT_EQ(reloaded.back(), "  WIRE 4");
-    EXPECT_EQ(reloaded[10], "  M98 3"); // G04 before it is gone
 }
 
 TEST_F(TemplateTest, OddRowsLoadAsTheTreeAllowsAndSaveBackFlattened) {

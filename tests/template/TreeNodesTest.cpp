@@ -141,7 +141,5 @@ TEST_F(TemplateTest, TreeViewTakesNoSelectionOnFocusAndRendersImages) {
     EXPECT_FALSE(locked->icon(0).isNull());
     tree::SetImageIndex(locked, 1); // index 1 has no icon
     EXPECT_TRUE(locked->icon(0).isNull());
-    tree::SetStateIndex(locked, 2);
-    EXPECT_EQ(tree::StateIndex(locked), 2);
     EXPECT_EQ(tree::StateIndex(tree::FindNodeByIndex(tv(), 3)), tree::DefaultStateIndex);
 }
