@@ -4,10 +4,14 @@
 #include "support/TestSupport.h"
 
 #include <QApplication>
+#include <dlfcn.h>
 #include <sqlite3.h>
 
 #include <iostream>
 #include <string>
+
+// The export `name` of the library loaded as `lib`, typed as the header declares it.
+#define RC(name) reinterpret_cast<decltype(&name)>(dlsym(lib, #name))
 
 namespace abitest {
 

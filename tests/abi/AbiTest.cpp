@@ -2,7 +2,6 @@
 #include "AbiHost.h"
 #include "RobocutAbi.h"
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -22,28 +21,6 @@ int32_t onMessage(void* context, int32_t, const char* text, int32_t) {
 
 void onTerminate(void* context) { ++static_cast<Messages*>(context)->terminates; }
 
-// The library, loaded for one test and unloaded after it.
-class Library {
-public:
-    Library() : handle_(dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {}
-    ~Library() {
-        if (handle_)
-            dlclose(handle_);
-    }
-    bool loaded() const { return handle_ != nullptr; }
-    template <typename F> F fn(const char* name) {
-        void* symbol = dlsym(handle_, name);
-        EXPECT_NE(symbol, nullptr) << name;
-        return reinterpret_cast<F>(symbol);
-    }
-
-private:
-    void* handle_;
-};
-
-// The export `name` of `lib`, typed as the header declares it.
-#define RC_FN(lib, name) (lib).fn<decltype(&name)>(#name)
-
 // A cell made from the schema files with the engine's own API, as a host's installer would.
 struct Cell {
     Cell() { abitest::makeCell(tmp, false); }
@@ -60,40 +37,41 @@ TEST(CAbi, ExportsRunFromTheCallToTheStoreAndBack) {
     Cell cell;
     cell.run("Quorvel.db", "insert into TemplateName values (2, 'FX', 'Two', 1, 0);"
                            "insert into TemplateName values (4, 'FY', 'Four', 1, 0);");
-    Library lib;
-    ASSERT_TRUE(lib.loaded()) << dlerror();
+    void* lib = dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(lib, nullptr) << dlerror();
     Messages messages;
     RcHostCallbacks callbacks{&messages, onTerminate, nullptr, onMessage};
-    RC_FN(lib, RcSetHostCallbacks)(&callbacks);
+    RC(RcSetHostCallbacks)(&callbacks);
 
     char small[4];
-    EXPECT_EQ(RC_FN(lib, PluginName)(small, sizeof small), 13); // full length, text cut to fit
+    EXPECT_EQ(RC(PluginName)(small, sizeof small), 13); // full length, text cut to fit
     EXPECT_STREQ(small, "FAN");
     char buffer[64];
-    RC_FN(lib, FileExtensions)(buffer, sizeof buffer);
+    RC(FileExtensions)(buffer, sizeof buffer);
     EXPECT_STREQ(buffer, ".NC");
 
-    ASSERT_EQ(RC_FN(lib, Initialize)(cell.dir(), cell.dir(), 0, 0), 0);
+    ASSERT_EQ(RC(Initialize)(cell.dir(), cell.dir(), 0, 0), 0);
     EXPECT_TRUE(messages.texts.empty());
 
-    auto load = RC_FN(lib, LoadTemplateNames);
-    auto count = RC_FN(lib, RcStringListCount);
-    auto lastError = RC_FN(lib, RcLastError);
-    RcStringList* list = RC_FN(lib, RcStringListNew)();
+    auto load = RC(LoadTemplateNames);
+    auto count = RC(RcStringListCount);
+    auto lastError = RC(RcLastError);
+    RcStringList* list = RC(RcStringListNew)();
     ASSERT_EQ(load("FX", list, 1), 0);
     ASSERT_EQ(count(list), 2);
-    EXPECT_STREQ(RC_FN(lib, RcStringListString)(list, 1), "Two");
-    EXPECT_EQ(RC_FN(lib, RcStringListTemplateId)(list, 1), 2);
-    EXPECT_EQ(RC_FN(lib, RcStringListString)(list, 5), nullptr);
+    EXPECT_STREQ(RC(RcStringListString)(list, 1), "Two");
+    EXPECT_EQ(RC(RcStringListTemplateId)(list, 1), 2);
+    EXPECT_EQ(RC(RcStringListString)(list, 5), nullptr);
     EXPECT_EQ(load("it's", list, 1), -1);
     EXPECT_NE(std::string(lastError()).find("it's"), std::string::npos) << lastError();
-    RC_FN(lib, FreeTemplateNames)(list);
+    RC(FreeTemplateNames)(list);
     EXPECT_EQ(count(list), 0);
-    RC_FN(lib, FreeTemplateNames)(nullptr);
-    RC_FN(lib, RcStringListFree)(list);
+    RC(FreeTemplateNames)(nullptr);
+    RC(RcStringListFree)(list);
 
-    EXPECT_EQ(RC_FN(lib, GetTemplateName)(4, buffer, sizeof buffer), 4);
+    EXPECT_EQ(RC(GetTemplateName)(4, buffer, sizeof buffer), 4);
     EXPECT_STREQ(buffer, "Four");
+    dlclose(lib);
 }
 
 // A missing table is reported through the host and asks it to terminate; unloading the library
@@ -103,33 +81,33 @@ TEST(CAbi, MissingTableIsReportedAndAReloadStartsAfresh) {
     cell.run("Quorvel.db", "drop table Jobs;");
     Messages messages;
     RcHostCallbacks callbacks{&messages, onTerminate, nullptr, onMessage};
-    {
-        Library lib;
-        ASSERT_TRUE(lib.loaded()) << dlerror();
-        RC_FN(lib, RcSetHostCallbacks)(&callbacks);
-        EXPECT_EQ(RC_FN(lib, Initialize)(cell.dir(), cell.dir(), 0, 0), 0);
-        EXPECT_EQ(messages.texts, std::vector<std::string>{"Jobs is missing from Local"});
-        EXPECT_EQ(messages.terminates, 1);
-        EXPECT_EQ(RC_FN(lib, RcTerminateRequested)(), 1);
-    }
+    void* lib = dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(lib, nullptr) << dlerror();
+    RC(RcSetHostCallbacks)(&callbacks);
+    EXPECT_EQ(RC(Initialize)(cell.dir(), cell.dir(), 0, 0), 0);
+    EXPECT_EQ(messages.texts, std::vector<std::string>{"Jobs is missing from Local"});
+    EXPECT_EQ(messages.terminates, 1);
+    EXPECT_EQ(RC(RcTerminateRequested)(), 1);
+    dlclose(lib);
     // Gone from the process: its unload ran and nothing of it stays.
     EXPECT_EQ(dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW | RTLD_NOLOAD), nullptr);
-    Library lib;
-    ASSERT_TRUE(lib.loaded()) << dlerror();
-    EXPECT_EQ(RC_FN(lib, RcTerminateRequested)(), 0);
-    RcStringList* list = RC_FN(lib, RcStringListNew)();
-    EXPECT_EQ(RC_FN(lib, LoadTemplateNames)("", list, 0), -1);
-    RC_FN(lib, RcStringListFree)(list);
+    lib = dlopen(QUORVEL_ABI_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(lib, nullptr) << dlerror();
+    EXPECT_EQ(RC(RcTerminateRequested)(), 0);
+    RcStringList* list = RC(RcStringListNew)();
+    EXPECT_EQ(RC(LoadTemplateNames)("", list, 0), -1);
+    RC(RcStringListFree)(list);
 
     // A good initialisation ends a request to terminate; a folder without a cell is named.
-    auto initialize = RC_FN(lib, Initialize);
-    RC_FN(lib, RcSetHostCallbacks)(&callbacks);
+    auto initialize = RC(Initialize);
+    RC(RcSetHostCallbacks)(&callbacks);
     EXPECT_EQ(initialize(cell.dir(), cell.dir(), 0, 0), 0);
-    EXPECT_EQ(RC_FN(lib, RcTerminateRequested)(), 1);
+    EXPECT_EQ(RC(RcTerminateRequested)(), 1);
     Cell good;
     EXPECT_EQ(initialize(good.dir(), good.dir(), 0, 0), 0);
-    EXPECT_EQ(RC_FN(lib, RcTerminateRequested)(), 0);
+    EXPECT_EQ(RC(RcTerminateRequested)(), 0);
     testsupport::TempDir empty;
     EXPECT_EQ(initialize(empty.str().c_str(), empty.str().c_str(), 0, 0), -1);
-    EXPECT_NE(std::string(RC_FN(lib, RcLastError)()).find("ZEL.db"), std::string::npos);
+    EXPECT_NE(std::string(RC(RcLastError)()).find("ZEL.db"), std::string::npos);
+    dlclose(lib);
 }

@@ -17,8 +17,6 @@
 
 namespace {
 
-#define RC(name) reinterpret_cast<decltype(&name)>(dlsym(lib, #name))
-
 // The child's steps; its exit code names the first that failed.
 [[noreturn]] void crashThroughTheModule(const std::string& folder, const std::string& cell) {
     const rlimit noCore{0, 0};

@@ -22,8 +22,6 @@ void record(const char* call) { calls.emplace_back(call); }
 
 using abitest::check;
 
-#define RC(name) reinterpret_cast<decltype(&name)>(dlsym(lib, #name))
-
 [[noreturn]] void runPluginCase() {
     testsupport::TempDir dir;
     abitest::makeCell(dir, true);

@@ -13,8 +13,6 @@
 
 namespace {
 
-#define RC(name) reinterpret_cast<decltype(&name)>(dlsym(lib, #name))
-
 int templateRows(const testsupport::TempDir& dir) {
     return std::stoi(abitest::sql(dir.file("Quorvel.db"), "select count(*) from TemplateName"));
 }

@@ -30,8 +30,4 @@ TEST(QuorvelJobMachine, ChoosingTheMachineListsItsPrograms) {
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_EQ(run.out, "0012    (ROUGH)\n0003    \n");
     EXPECT_EQ(run.err.find("message:"), std::string::npos) << run.err;
-
-    run = script("machine 3\n");
-    EXPECT_EQ(run.exitCode, 2);
-    EXPECT_NE(run.err.find("line 1"), std::string::npos) << run.err;
 }

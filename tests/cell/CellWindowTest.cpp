@@ -94,6 +94,13 @@ protected:
         };
         ui.modalAnswers.push_back(common::ModalResult::Ok);
     }
+    // The folder choices the user makes, in order; an empty one cancels.
+    void chooseFolders(std::vector<std::string> folders) {
+        window.chooseFolder = [folders, next = std::size_t{0}](const QString&,
+                                                               const QString&) mutable {
+            return QString::fromStdString(next < folders.size() ? folders[next++] : "");
+        };
+    }
     QString cellText(int row, int column) const {
         return window.tblJobs->model()->index(row, column).data().toString();
     }
@@ -104,7 +111,7 @@ protected:
     app::CellWindow window{exports, ui};
 };
 
-TEST_F(CellWindowTest, ActionsCallTheExportsAndTheListsFollow) {
+TEST_F(CellWindowTest, ActionsCallTheExportsAndTheListsAndTheProgramViewFollow) {
     ASSERT_EQ(window.cellDir().toStdString(), cell.str()) << lastMessage();
     ASSERT_EQ(window.lstTemplates->count(), 1);
     EXPECT_EQ(window.lstTemplates->item(0)->text(), "Demo wire-cut plate");
@@ -129,8 +136,7 @@ TEST_F(CellWindowTest, ActionsCallTheExportsAndTheListsFollow) {
     window.actNewJob->trigger();
     ASSERT_EQ(exports.wizard.size(), 1u) << lastMessage();
     const auto& info = exports.wizard.back();
-    EXPECT_EQ(info.PalletNumber, "3");
-    EXPECT_EQ(info.JobNumber, 2);
+    EXPECT_EQ(exports.calls, std::vector<std::string>{"JobWizard 3 2"});
     EXPECT_EQ(info.TemplateID, 1);
     EXPECT_EQ(info.LocalDirectory, (cell.path() / "Pallet3").string());
     EXPECT_EQ(info.InputDirectory, cell.str());
@@ -147,39 +153,13 @@ TEST_F(CellWindowTest, ActionsCallTheExportsAndTheListsFollow) {
     EXPECT_EQ(exports.wizard.back().TemplateID, 1);
     EXPECT_EQ(exports.calls.back(), "JobWizard 3 2");
 
-    // Delete asks first; No keeps the job.
-    ui.messageAnswers = {common::ModalResult::No};
-    window.actDeleteJob->trigger();
-    EXPECT_EQ(window.tblJobs->model()->rowCount(), 1);
-    window.actDeleteJob->trigger();
-    EXPECT_EQ(exports.calls.back(), "DeleteJob 3 2");
-    EXPECT_EQ(window.tblJobs->model()->rowCount(), 0);
-
-    // Copy files between the two folders chosen, in order; a cancelled choice copies nothing.
-    std::vector<QString> folders{"/from", "/to", ""};
-    window.chooseFolder = [&](const QString&, const QString&) {
-        const QString next = folders.front();
-        folders.erase(folders.begin());
-        return next;
-    };
-    exports.calls.clear();
-    window.actCopyFiles->trigger();
-    window.actCopyFiles->trigger();
-    EXPECT_EQ(exports.calls, std::vector<std::string>{"CopyFiles /from /to"});
-}
-
-TEST_F(CellWindowTest, ProgramViewDecodesTheFileAndSaysWhenTheJobIsNewer) {
-    answerNewJob(7, 1);
-    window.actNewJob->trigger();
-    ASSERT_EQ(window.tblJobs->model()->rowCount(), 1) << lastMessage();
-
     // The program the host queued, in Windows-1252, older than the job's rows.
-    const std::string program = cell.file("Pallet7/Pal00007.NC");
+    const std::string program = cell.file("Pallet3/Pal00003.NC");
     testsupport::writeFile(program, "%\r\nN1 (60\xB0 \x80)\r\nN2 M30\r\n");
     std::filesystem::last_write_time(program, std::filesystem::file_time_type::clock::now() -
                                                   std::chrono::hours(1));
     runSql(cell.file("ZEL.db"),
-           "insert or replace into JobQueue values (7, 1, '" + program + "', '')");
+           "insert or replace into JobQueue values (3, 2, '" + program + "', '')");
     window.actRefresh->trigger();
     EXPECT_EQ(window.txtProgram->toPlainText(),
               QString::fromUtf8("%\r\nN1 (60° €)\r\nN2 M30\r\n").replace("\r", ""));
@@ -196,19 +176,34 @@ TEST_F(CellWindowTest, ProgramViewDecodesTheFileAndSaysWhenTheJobIsNewer) {
     QSettings settings(QString::fromStdString(cell.file("window.ini")), QSettings::IniFormat);
     window.settings = &settings;
     TAutomationInfo report;
-    report.PalletNumber = "7";
-    report.JobNumber = 1;
+    report.PalletNumber = "3";
+    report.JobNumber = 2;
     report.CommandFile = program;
     GetJobInfo(&report);
     std::filesystem::last_write_time(program, std::filesystem::file_time_type::clock::now() -
                                                   std::chrono::hours(1));
     window.actRefresh->trigger();
     EXPECT_TRUE(window.lblProgramNote->isHidden());
-    runSql(cell.file("Quorvel.db"), "update Jobs set Value_1 = 'changed' where Pallet_Number = 7 "
-                                    "and Job_Number = 1 and Line_Number = 3");
+    runSql(cell.file("Quorvel.db"), "update Jobs set Value_1 = 'changed' where Pallet_Number = 3 "
+                                    "and Job_Number = 2 and Line_Number = 3");
     window.actRefresh->trigger();
     EXPECT_TRUE(window.lblProgramNote->text().contains("rows changed"))
         << window.lblProgramNote->text().toStdString();
+
+    // Delete asks first; No keeps the job.
+    ui.messageAnswers = {common::ModalResult::No};
+    window.actDeleteJob->trigger();
+    EXPECT_EQ(window.tblJobs->model()->rowCount(), 1);
+    window.actDeleteJob->trigger();
+    EXPECT_EQ(exports.calls.back(), "DeleteJob 3 2");
+    EXPECT_EQ(window.tblJobs->model()->rowCount(), 0);
+
+    // Copy files between the two folders chosen, in order; a cancelled choice copies nothing.
+    chooseFolders({"/from", "/to"});
+    exports.calls.clear();
+    window.actCopyFiles->trigger();
+    window.actCopyFiles->trigger();
+    EXPECT_EQ(exports.calls, std::vector<std::string>{"CopyFiles /from /to"});
 }
 
 TEST_F(CellWindowTest, BadInputShowsAMessageAndTheWindowStaysUsable) {
@@ -223,19 +218,14 @@ TEST_F(CellWindowTest, BadInputShowsAMessageAndTheWindowStaysUsable) {
     runSql(other.file("Quorvel.db"), "pragma user_version = 999");
     EXPECT_FALSE(window.openCell(QString::fromStdString(other.str())));
     EXPECT_NE(lastMessage().find("Quorvel.db"), std::string::npos) << lastMessage();
-    EXPECT_EQ(window.lstTemplates->count(), 1);
 
     // A new demo cell needs an empty folder, and opens when made.
-    window.chooseFolder = [&](const QString&, const QString&) {
-        return QString::fromStdString(other.str());
-    };
+    chooseFolders({other.str()});
     window.actNewDemoCell->trigger();
     EXPECT_NE(lastMessage().find("not empty"), std::string::npos) << lastMessage();
     EXPECT_EQ(window.cellDir().toStdString(), cell.str());
     testsupport::TempDir fresh;
-    window.chooseFolder = [&](const QString&, const QString&) {
-        return QString::fromStdString(fresh.str());
-    };
+    chooseFolders({fresh.str()});
     window.actNewDemoCell->trigger();
     EXPECT_EQ(window.cellDir().toStdString(), fresh.str()) << lastMessage();
     window.openCell(QString::fromStdString(cell.str()));

@@ -1,5 +1,5 @@
-// Each kind of crash in a child process: the child ends as it would without the reporter, and the
-// report in the folder says what happened.
+// Each kind of crash in a child process: the child ends as it would without the reporter, the
+// report in the folder says what happened, and the window shows where there is a display.
 #include "common/CrashReporter.h"
 #include "support/TestSupport.h"
 
@@ -14,9 +14,9 @@
 #include <exception>
 #include <functional>
 #include <regex>
-#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -31,13 +31,8 @@ void writeThroughNull() {
     *pointer = 1;
 }
 
-struct Child {
-    pid_t pid;
-    int status;
-};
-
-// Runs `crash` in a child without core dumps, and waits for it.
-Child runChild(const std::function<void()>& crash) {
+// Runs `crash` in a child without core dumps, and waits for it: its id and its status.
+std::pair<pid_t, int> runChild(const std::function<void()>& crash) {
     const pid_t child = fork();
     if (child == 0) {
         const rlimit noCore{0, 0};
@@ -61,26 +56,63 @@ std::vector<std::string> reports(const testsupport::TempDir& folder) {
 
 } // namespace
 
-TEST(CrashReporter, EachKindWritesAReportAndEndsTheProcessAsBefore) {
+TEST(CrashReporter, EachKindWritesAReportEndsTheProcessAsBeforeAndShowsAWindowOnADisplay) {
+    testsupport::TempDir temp;
+    const std::string program = temp.file("window.sh");
+    testsupport::writeFile(program, "#!/bin/sh\necho \"$@\" >> " + temp.file("window.txt") + "\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
     struct Kind {
         void (*provoke)();
         int signal;
         const char* what;
+        const char* display[3]; // DISPLAY, WAYLAND_DISPLAY and QT_QPA_PLATFORM of the child
+        bool window;
     };
     const Kind kinds[] = {
-        {escapeNoexcept, SIGABRT,
-         "an exception escaped every handler: std::runtime_error: cell folder on fire"},
-        {[] { std::terminate(); }, SIGABRT, "std::terminate was called with no exception"},
-        {writeThroughNull, SIGSEGV, "signal SIGSEGV (invalid memory access) at address 0x0"},
-        {[] { std::abort(); }, SIGABRT, "signal SIGABRT (abort), sent by process "},
-        {[] { raise(SIGBUS); }, SIGBUS, "signal SIGBUS (bus error), sent by process "},
-        {[] { raise(SIGFPE); }, SIGFPE, "signal SIGFPE (arithmetic error), sent by process "},
+        {escapeNoexcept,
+         SIGABRT,
+         "an exception escaped every handler: std::runtime_error: cell folder on fire",
+         {":5"},
+         true},
+        {[] { std::terminate(); },
+         SIGABRT,
+         "std::terminate was called with no exception",
+         {nullptr, "wayland-0"},
+         true},
+        {writeThroughNull,
+         SIGSEGV,
+         "signal SIGSEGV (invalid memory access) at address 0x0",
+         {},
+         false},
+        {[] { std::abort(); },
+         SIGABRT,
+         "signal SIGABRT (abort), sent by process ",
+         {":5", nullptr, "offscreen"},
+         false},
+        {[] { raise(SIGBUS); },
+         SIGBUS,
+         "signal SIGBUS (bus error), sent by process ",
+         {":5", "wayland-0", "minimal:x"},
+         false},
+        {[] { raise(SIGFPE); },
+         SIGFPE,
+         "signal SIGFPE (arithmetic error), sent by process ",
+         {":5"},
+         true},
     };
+    std::string windows; // the window program's expected log
     for (const Kind& kind : kinds) {
         SCOPED_TRACE(kind.what);
         testsupport::TempDir folder;
+        // The SIGSEGV child's report folder is missing: its report goes to the temporary folder.
+        const bool missing = kind.signal == SIGSEGV;
         const auto [pid, status] = runChild([&] {
-            common::installCrashReporter({folder.str() + "/", "9.8.7-test", ""});
+            const char* names[] = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+            for (int i = 0; i < 3; ++i)
+                kind.display[i] ? setenv(names[i], kind.display[i], 1) : unsetenv(names[i]);
+            setenv("TMPDIR", folder.str().c_str(), 1);
+            common::installCrashReporter(
+                {missing ? folder.file("missing") : folder.str() + "/", "9.8.7-test", program});
             common::noteLastStatement("select Name from TemplateName where ID = 7 -- tail", 42);
             kind.provoke();
         });
@@ -102,55 +134,12 @@ TEST(CrashReporter, EachKindWritesAReportAndEndsTheProcessAsBefore) {
         EXPECT_NE(backtrace, std::string::npos) << text;
         EXPECT_NE(text.find("test_common(", backtrace), std::string::npos) << text;
         EXPECT_EQ(common::crashReportSummary(names[0]).rfind(kind.what, 0), 0u);
+        EXPECT_EQ(text.find("\nNote: the report folder " + folder.file("missing") +
+                            " could not take it\n") != std::string::npos,
+                  missing);
+        if (kind.window)
+            windows += "crashed " + names[0] + "\n";
     }
-}
-
-TEST(CrashReporter, ShowsItsWindowOnlyWithADisplayAndFallsBackToTheTemporaryFolder) {
-    testsupport::TempDir temp;
-    const std::string program = temp.file("window.sh");
-    testsupport::writeFile(program, "#!/bin/sh\necho \"$@\" >> " + temp.file("window.txt") + "\n");
-    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
-    struct Case {
-        const char* x11;
-        const char* wayland;
-        const char* platform;
-        bool window;
-    };
-    const Case cases[] = {{":5", nullptr, nullptr, true},
-                          {nullptr, "wayland-0", nullptr, true},
-                          {nullptr, nullptr, nullptr, false},
-                          {":5", nullptr, "offscreen", false},
-                          {":5", "wayland-0", "minimal:x", false}};
-    std::vector<pid_t> withWindow;
-    for (const Case& c : cases) {
-        const auto set = [](const char* name, const char* value) {
-            value ? setenv(name, value, 1) : unsetenv(name);
-        };
-        const auto [pid, status] = runChild([&] {
-            set("DISPLAY", c.x11);
-            set("WAYLAND_DISPLAY", c.wayland);
-            set("QT_QPA_PLATFORM", c.platform);
-            setenv("TMPDIR", temp.str().c_str(), 1);
-            common::installCrashReporter({temp.file("missing"), "1", program});
-            raise(SIGSEGV);
-        });
-        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGSEGV) << status;
-        if (c.window)
-            withWindow.push_back(pid);
-    }
-    const auto names = reports(temp);
-    ASSERT_EQ(names.size(), std::size(cases));
-    EXPECT_NE(testsupport::readFile(names[0]).find("\nNote: the report folder " +
-                                                   temp.file("missing") + " could not take it\n"),
-              std::string::npos);
     // The window program ran on the report of each child that had a display, and of no other.
-    std::istringstream lines(testsupport::readFile(temp.file("window.txt")));
-    std::string line;
-    for (const pid_t pid : withWindow) {
-        ASSERT_TRUE(std::getline(lines, line));
-        EXPECT_TRUE(line.starts_with("crashed " + temp.str() + "/crash-") &&
-                    line.ends_with("-" + std::to_string(pid) + ".txt"))
-            << line;
-    }
-    EXPECT_FALSE(std::getline(lines, line)) << line;
+    EXPECT_EQ(testsupport::readFile(temp.file("window.txt")), windows);
 }

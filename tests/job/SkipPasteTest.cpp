@@ -55,13 +55,14 @@ TEST_F(SkipPasteTest, SkipMarksLineOrSectionAndTheWorkpiecesSepLine) {
     EXPECT_FALSE(form->btnSkip->isChecked());
 }
 
-TEST_F(SkipPasteTest, SkipDownStopsBeforeTheFooterAndPasteKeepsTheTargetsState) {
+TEST_F(SkipPasteTest, SkipDownStopsBeforeTheFooterAndCopyPasteKeepsTheTargetsState) {
     select(7);
     form->btnSkipDown->click();
     for (int line : {7, 13, 19})
         EXPECT_EQ(row(line, "Image"), "3") << line;
     EXPECT_NE(row(25, "Image"), "3");
     EXPECT_EQ(selected(), 25);
+    EXPECT_FALSE(form->btnCopy->isEnabled()); // of the sections only workpieces are copied
 
     // Line 9 (G92, values 10 and 5) onto line 21 (G92 with the taper axes).
     exec("update Jobs set State = 2, Path = 'kept' where Line_Number = 21");
@@ -81,6 +82,9 @@ TEST_F(SkipPasteTest, SkipDownStopsBeforeTheFooterAndPasteKeepsTheTargetsState) 
     // Another command cannot take the copy.
     select(23);
     EXPECT_FALSE(form->btnPaste->isEnabled());
+    // A copied workpiece meets the workpiece list, which has no reader while it is empty.
+    form->FCopiedNode = node(7);
+    EXPECT_THROW(select(13), std::out_of_range);
 }
 
 } // namespace

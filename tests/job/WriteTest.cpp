@@ -21,33 +21,12 @@ namespace fs = std::filesystem;
 std::vector<TAutomationInfo> received;
 void GetJobInfo(TAutomationInfo* info) { received.push_back(*info); }
 
-std::string readBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 // "\r" and "\n" written out in a case file stand for CR and LF.
 std::string unescape(std::string text) {
     for (const auto& [from, to] : {std::pair{"\\r", "\r"}, std::pair{"\\n", "\n"}})
         for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at))
             text.replace(at, 2, to);
     return text;
-}
-
-// The first line where two files differ, for the failure message.
-std::string firstDifference(const std::string& expected, const std::string& actual) {
-    const std::size_t at =
-        std::mismatch(expected.begin(), expected.end(), actual.begin(), actual.end()).first -
-        expected.begin();
-    const std::size_t start = at == 0 ? 0 : expected.rfind('\n', at - 1) + 1;
-    const auto lineOf = [start](const std::string& text) {
-        return text.substr(start, text.find('\n', start) - start);
-    };
-    return "line " +
-           std::to_string(std::count(expected.begin(), expected.begin() + start, '\n') + 1) +
-           ": expected '" + lineOf(expected) + "', written '" + lineOf(actual) + "'";
 }
 
 class WriteTest : public jobtest::JobFixture {
@@ -69,9 +48,7 @@ protected:
     }
     // The job's rows replaced by the rows of a case file.
     void loadRows(const std::string& file) {
-        auto q = DM().NewLocalQuery();
-        q->setSql("delete from Jobs");
-        q->execSQL();
+        exec("delete from Jobs");
         std::ifstream in(file);
         for (std::string line; std::getline(in, line);) {
             if (line.empty() || line[0] == '#')
@@ -81,14 +58,13 @@ protected:
             for (std::string field; std::getline(fields, field, '\t');)
                 f.push_back(field);
             f.resize(12);
-            q->setSql(common::format(
+            exec(common::format(
                 "insert into Jobs (Pallet_Number, Job_Number, Line_Number, Node_Level, Code, "
                 "Syntax_Item, Image, Value_1, Value_2, Value_3, Value_4, Value_5, Value_6, "
                 "Script_Line, State) values (7, 1, %s, %s, '%s', %s, %s, '%s', '%s', '%s', '%s', "
                 "'%s', '%s', '%s', 0)",
                 {f[0], f[1], f[2], f[3], f[4], f[5], f[6], f[7], f[8], f[9], f[10],
                  unescape(f[11])}));
-            q->execSQL();
         }
     }
     std::string program() const { return local.file("Pal00007.NC"); }
@@ -117,9 +93,9 @@ TEST_F(WriteTest, FilesFromRowsMatchTheHandWrittenPrograms) {
         }
         const std::string written = local.file(entry.path().filename().string() + ".NC");
         form->WriteMasterProgram(written);
-        const std::string expected = readBytes((entry.path() / "expected.NC").string());
-        const std::string actual = readBytes(written);
-        EXPECT_EQ(expected, actual) << firstDifference(expected, actual);
+        // Byte for byte; a difference is shown line by line.
+        EXPECT_EQ(testsupport::readFile((entry.path() / "expected.NC").string()),
+                  testsupport::readFile(written));
         EXPECT_FALSE(form->FWriting);
         EXPECT_TRUE(form->FEventsEnabled);
     }
@@ -138,7 +114,8 @@ TEST_F(WriteTest, WriteChecksEveryLineThenStoresWritesAndReports) {
     EXPECT_TRUE(form->btnEdit->isEnabled());
     // Every line was walked and finished; every line that is not skipped or joined is written.
     EXPECT_EQ(read("select count(*) from Jobs where Node_Level > 0 and Image <> 2"), "0");
-    EXPECT_NE(readBytes(program()).find("\r\nO0001 (CMS MAIN PROGRAM)\r\n"), std::string::npos);
+    EXPECT_NE(testsupport::readFile(program()).find("\r\nO0001 (CMS MAIN PROGRAM)\r\n"),
+              std::string::npos);
     EXPECT_EQ(cell.ui.fileRequests.back().fileName, "Pal00007");
     EXPECT_EQ(cell.ui.fileRequests.back().initialDir, local.str());
 
@@ -186,11 +163,9 @@ TEST_F(WriteTest, BadValueCancelAndFileErrorsLeaveNoProgram) {
 TEST_F(WriteTest, PreviousFilesAreDeletedKeptOrAskedAbout) {
     open();
     const fs::path pallet = fs::path(cell.dir()) / "Pallet7";
-    const auto fill = [&] {
-        fs::create_directories(pallet / "sub");
-        for (const char* name : {"A.NC", "B.NC"})
-            testsupport::writeFile((pallet / name).string(), "x");
-    };
+    fs::create_directories(pallet / "sub");
+    for (const char* name : {"A.NC", "B.NC"})
+        testsupport::writeFile((pallet / name).string(), "x");
     const auto left = [&] {
         std::vector<std::string> names;
         for (const auto& e : fs::directory_iterator(pallet))
@@ -213,7 +188,6 @@ TEST_F(WriteTest, PreviousFilesAreDeletedKeptOrAskedAbout) {
         return form->ClearPalletFiles();
     };
 
-    fill();
     EXPECT_FALSE(clear(common::ModalResult::Cancel, TdlgDeleteFiles::DeleteAll));
     EXPECT_EQ(left(), (std::vector<std::string>{"A.NC", "B.NC", "sub"}));
     EXPECT_TRUE(clear(common::ModalResult::Ok, TdlgDeleteFiles::RetainAll));

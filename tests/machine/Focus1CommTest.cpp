@@ -24,8 +24,7 @@ protected:
     }
     void TearDown() override {
         ExitFocasProcess();
-        for (const char* name : {"FOCAS_STANDIN_CONNECT", "FOCAS_STANDIN_READ",
-                                 "FOCAS_STANDIN_PROGRAMS", "FOCAS_STANDIN_COUNT"})
+        for (const char* name : {"FOCAS_STANDIN_PROGRAMS", "FOCAS_STANDIN_COUNT"})
             unsetenv(name);
         if (standIn)
             dlclose(standIn);

@@ -57,18 +57,15 @@ TEST_F(MachineTest, ListsUnitsOfTheTypeIgnoringCaseOnly) {
     EXPECT_EQ(cmbMachines.count(), 3);
 }
 
-TEST_F(MachineTest, EntryShowsCellAndDisplayNumber) {
+TEST_F(MachineTest, EntryShowsCellAndDisplayNumberAndABadUnitNumberIsNamed) {
+    EXPECT_EQ(load("insert into Config values (1, 0, 'Unit', '1', 'Robot')"),
+              QStringList({"(Select a machine)"}));
     EXPECT_EQ(load("insert into Config values (1, 0, 'Unit', '2', 'FANUC Robocut'),"
                    " (142, 0, 'Unit', '2', 'FANUC Robocut'), (1, 2, 'Unit', 'Machine Name', 'A'),"
                    " (1, 2, 'Unit', 'Display Number', '7'), (142, 2, 'Unit', 'Machine Name', 'B'),"
                    " (142, 2, 'Unit', 'Display Number', '7x')"),
               QStringList({"(Select a machine)", "01.07     A", "142.00     B"}));
     EXPECT_EQ(MachineOf(&cmbMachines, 2)->DisplayNumber, 0);
-}
-
-TEST_F(MachineTest, NoUnitOfTheTypeAndABadUnitNumber) {
-    EXPECT_EQ(load("insert into Config values (1, 0, 'Unit', '1', 'Robot')"),
-              QStringList({"(Select a machine)"}));
     cell.run("ZEL.db", "insert into Config values (1, 0, 'Unit', 'two', 'FANUC Robocut')");
     const std::string error = testsupport::storeErrorText([&] { LoadMachines(&cmbMachines); });
     EXPECT_NE(error.find("'two'"), std::string::npos) << error;

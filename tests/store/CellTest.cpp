@@ -47,22 +47,6 @@ protected:
     void SetUp() override { CreateDM(); }
     void TearDown() override { FreeDM(); }
 
-    void filesThatAreNoDatabases() {
-        const std::string empty = cell.tmp.file("empty.db");
-        testsupport::writeFile(empty, "");
-        Database db("Local", "Default");
-        db.setFileName(empty);
-        auto text = testsupport::storeErrorText([&] { db.open(); });
-        EXPECT_NE(text.find(empty + " is empty"), std::string::npos) << text;
-        EXPECT_EQ(std::filesystem::file_size(empty), 0u);
-
-        const std::string folder = cell.tmp.file("folder.db");
-        std::filesystem::create_directory(folder);
-        Database inFolder("Local", "Default");
-        inFolder.setFileName(folder);
-        text = testsupport::storeErrorText([&] { inFolder.open(); });
-        EXPECT_NE(text.find(folder + " is a folder"), std::string::npos) << text;
-    }
     testsupport::CellFixture cell{true};
 };
 
@@ -90,8 +74,21 @@ TEST_F(CellTest, SharedDatabaseIsOnlyReadAndKeepsItsJournalMode) {
 
 TEST_F(CellTest, FilesThatAreNoDatabasesOrOfAnotherSchemaVersionAreRefused) {
     // On a server a database is a schema, which is there or not: no file to get wrong.
-    if (!testsupport::onTestServer())
-        filesThatAreNoDatabases();
+    if (!testsupport::onTestServer()) {
+        const std::string empty = cell.tmp.file("empty.db");
+        testsupport::writeFile(empty, "");
+        Database db("Local", "Default");
+        db.setFileName(empty);
+        auto text = testsupport::storeErrorText([&] { db.open(); });
+        EXPECT_NE(text.find(empty + " is empty"), std::string::npos) << text;
+        EXPECT_EQ(std::filesystem::file_size(empty), 0u);
+
+        const std::string folder = cell.tmp.file("folder.db");
+        std::filesystem::create_directory(folder);
+        db.setFileName(folder);
+        text = testsupport::storeErrorText([&] { db.open(); });
+        EXPECT_NE(text.find(folder + " is a folder"), std::string::npos) << text;
+    }
 
     // The local database of the cell must have the schema version the module knows.
     cell.run("Quorvel.db", "pragma user_version = 0");

@@ -66,8 +66,6 @@ TEST_F(CursorCacheTest, MovesAndSearchesInATransactionMatchTheEngine) {
     // text for a number column; the same under a filter.
     const std::vector<Step> steps{first,
                                   next,
-                                  next,
-                                  prior,
                                   prior,
                                   prior,
                                   nearest("B"),

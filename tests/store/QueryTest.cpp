@@ -66,7 +66,11 @@ TEST_F(QueryTest, EngineParametersAreRefusedAndNothingRuns) {
     EXPECT_EQ(q.fields(0).asInteger(), 2);
 }
 
-TEST_F(QueryTest, OutermostTransactionTakesTheWriteLockAtItsStart) {
+TEST_F(QueryTest, TransactionsRollBackUnlessCommittedAndTakeTheWriteLockAtTheStart) {
+    {
+        store::Transaction dropped(db);
+        db.execute("delete from T");
+    }
     Database other("Local", "Default");
     other.setFileName(dir.file("q.db"));
     other.open();
@@ -84,10 +88,12 @@ TEST_F(QueryTest, OutermostTransactionTakesTheWriteLockAtItsStart) {
             store::Transaction inner(db);
             db.execute("delete from T where A = 2");
         }
+        store::Transaction committed(db);
         db.execute("delete from T where A = 1");
+        committed.commit();
         tx.commit();
     }
-    // The inner rollback undid only its own change; the other connection may write again.
+    // Only the committed inner change stays; the other connection may write again.
     other.execute("insert into T values (3, 'other')");
     Query q(db);
     q.setSql("select A from T order by A");
@@ -113,7 +119,6 @@ TEST_F(QueryTest, LinesJoinAndResultsReadWithNullDefaults) {
     q.open();
     EXPECT_TRUE(q.eof());
     EXPECT_EQ(q.fields(0).asInteger(), 0);
-    EXPECT_THROW(q.fieldByName("C"), StoreError);
     q.setSql("select B from T where A = 1");
     q.open();
     EXPECT_THROW(q.fields(0).asInteger(), StoreError); // 'x' is no integer
@@ -130,28 +135,6 @@ TEST_F(QueryTest, BrokenFilesGiveClearErrors) {
     text = testsupport::storeErrorText([&] { junk.open(); });
     EXPECT_NE(text.find("junk.db"), std::string::npos) << text;
     EXPECT_FALSE(junk.connected());
-}
-
-TEST_F(QueryTest, TransactionRollsBackUnlessCommitted) {
-    {
-        store::Transaction tx(db);
-        db.execute("delete from T");
-    }
-    Query q(db);
-    q.setSql("select count(*) from T");
-    q.open();
-    EXPECT_EQ(q.fields(0).asInteger(), 2);
-    {
-        store::Transaction outer(db);
-        {
-            store::Transaction inner(db);
-            db.execute("delete from T where A = 1");
-            inner.commit();
-        }
-        outer.commit();
-    }
-    q.open();
-    EXPECT_EQ(q.fields(0).asInteger(), 1);
 }
 
 // A number placed in a text column keeps the digits typed; a quoted one in a number column is a

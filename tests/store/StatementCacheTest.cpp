@@ -29,8 +29,6 @@ protected:
         }
     }
 
-    int preparedOnConnection() { return db.connection().liveStatements(); }
-
     testsupport::TempDir dir;
     store::Database db{"Local", "Default"};
     int next = 0;
@@ -40,7 +38,7 @@ protected:
 
 TEST_F(StatementCacheTest, KeepsABoundedNumberOfStatements) {
     flood(3 * static_cast<int>(store::Database::CacheBound));
-    EXPECT_LE(preparedOnConnection(), static_cast<int>(store::Database::CacheBound));
+    EXPECT_LE(db.connection().liveStatements(), static_cast<int>(store::Database::CacheBound));
 }
 
 TEST_F(StatementCacheTest, HeldStatementsOutliveTheirEviction) {
