@@ -17,7 +17,7 @@ TEST(QuorvelCli, TheCellsFixturesAndJobsAsAHostSeesThemAndNoOverwriteWithoutForc
 
     ASSERT_EQ(quorvel("build --pallet 7" + cell).exitCode, 0);
     run = quorvel("jobs" + cell);
-    EXPECT_NE(run.out.find("\n7\t1\t-\t"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("\n7\t1\t-\t18 of 25\t"), std::string::npos) << run.out;
     EXPECT_EQ(quorvel("job delete --pallet 7" + cell).exitCode, 0);
     EXPECT_EQ(quorvel("jobs" + cell).out, "Pallet\tJob\tTemplate\tFinished\tProgram\n");
 
@@ -41,6 +41,11 @@ TEST(QuorvelCli, BadInputGivesMessagesAndFailure) {
         EXPECT_EQ(quorvel(plain).exitCode, 0) << plain;
     EXPECT_EQ(quorvel("--cell '" + dir.str() + "/none' templates").out,
               quorvel("templates --cell '" + dir.str() + "/none'").out);
+    // Without a display a window command says so in a line, instead of the platform's abort.
+    run = quorvel("template new --fixture FX-100 --cell x", "",
+                  "env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_NE(run.out.find("no display"), std::string::npos) << run.out;
     // Accepting a new template that has no name would wait for a name forever.
     EXPECT_EQ(quorvel("template new --fixture FX-100 --accept --cell x").exitCode, 2);
     // Blank lines and comments of a case list are no cases.

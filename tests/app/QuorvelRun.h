@@ -15,12 +15,14 @@ struct Run {
     std::string err;
 };
 
-// Standard error goes to `errFile` when one is named; `environment` stands before the command.
+// Standard error goes to `errFile` when one is named; `environment` stands before the command,
+// after the offscreen platform it may unset.
 inline Run quorvel(const std::string& arguments, const std::string& errFile = "",
                    const std::string& environment = "") {
     Run run;
-    const std::string command = environment + " QT_QPA_PLATFORM=offscreen " + QUORVEL_EXE + " " +
-                                arguments + (errFile.empty() ? " 2>&1" : " 2>'" + errFile + "'");
+    const std::string command = "QT_QPA_PLATFORM=offscreen " + environment + " " + QUORVEL_EXE +
+                                " " + arguments +
+                                (errFile.empty() ? " 2>&1" : " 2>'" + errFile + "'");
     FILE* pipe = popen(command.c_str(), "r");
     std::array<char, 4096> buffer{};
     while (pipe && std::fgets(buffer.data(), static_cast<int>(buffer.size()), pipe))

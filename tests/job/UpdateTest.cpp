@@ -80,16 +80,18 @@ TEST_F(UpdateTest, EveryReplayedWorkpieceAddCountsWhenItIsReplayed) {
     journal(2, 9, "DEL", "", 1);    // ... and is deleted again
     journal(2, 12, "ADD", "WRK", 0);
     journal(2, 14, "ADD", "G00", 1); // a command line counts nothing
-    journal(2, 5, "ADD", "WRK", 0);  // made last, stands first
+    journal(2, 5, "ADD", "WRK", 0);  // stands first
+    journal(2, 9, "ADD", "WRK", 0);  // the last one made is deleted too ...
+    journal(2, 9, "DEL", "", 1);
     form->UpdateJobFromJournal(1);
     const std::string second = "Workpiece" + std::to_string(built + 2);
     const std::string third = "Workpiece" + std::to_string(built + 3);
     EXPECT_EQ(jobField(13, "Value_1"), second);
     EXPECT_EQ(jobField(13, "Script_Line"), "(WORKPIECE" + std::to_string(built + 2) + ")");
     EXPECT_EQ(jobField(5, "Value_1"), third);
-    // A later insert goes on from the counter as the replay left it.
+    // ... and a later insert still goes on from the counter as the replay left it.
     form->InsertJobLine(20, "WRK", 0);
-    EXPECT_EQ(jobField(20, "Value_1"), "Workpiece" + std::to_string(built + 4));
+    EXPECT_EQ(jobField(20, "Value_1"), "Workpiece" + std::to_string(built + 5));
     // A command line at the end takes the local default; the replay's refusal changes nothing.
     form->InsertJobLine(34, "G04", 1);
     EXPECT_EQ(jobField(34, "Script_Line"), "G04 X2.5");

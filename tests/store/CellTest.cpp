@@ -134,6 +134,17 @@ TEST_F(CellTest, ForceIsRefusedWhileAnotherConnectionHoldsTheCell) {
     }
     shared.close();
 
+    // A writer inside a transaction holds the cell whatever the journal mode.
+    if (!testsupport::onTestServer()) {
+        cell.run("ZEL.db", "pragma journal_mode = delete");
+        Database writer("ZEL", "ZEL");
+        writer.setFileName(cell.tmp.file("ZEL.db"));
+        writer.open();
+        store::Transaction writing(writer);
+        text = testsupport::storeErrorText([&] { store::createCell(cell.dir(), force); });
+        EXPECT_NE(text.find("ZEL.db is open"), std::string::npos) << text;
+    }
+
     store::createCell(cell.dir(), force);
     local.open();
     EXPECT_EQ(count(local, "TemplateName"), templates);

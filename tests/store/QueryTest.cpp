@@ -38,7 +38,13 @@ TEST_F(QueryTest, SecondStatementIsRefusedAndNothingRuns) {
     // A quote in a value breaks the statement; the error names it and the table is intact.
     q.setSql("delete from T where B = 'it's'");
     text = testsupport::storeErrorText([&] { q.execSQL(); });
+    EXPECT_EQ(text.rfind("Statement failed: ", 0), 0u) << text; // words first, statement after
     EXPECT_NE(text.find("where B = 'it's'"), std::string::npos) << text;
+    // So for an error the engine finds only when the statement runs.
+    db.executeScript("create table U(A integer not null)");
+    q.setSql("insert into U values (null)");
+    text = testsupport::storeErrorText([&] { q.execSQL(); });
+    EXPECT_EQ(text.rfind("Statement failed: ", 0), 0u) << text;
     q.setSql("delete from T where B = 'x'; --");
     q.execSQL(); // a trailing comment is not a statement
     EXPECT_EQ(q.rowsAffected(), 1);
