@@ -21,70 +21,29 @@ struct Edit {
     std::string text;
 };
 
-// The statement's significant tokens (no blanks, no comments) up to its first ';', and the
-// edits made to them.
+// The statement's significant tokens up to its first ';', and the edits made to them.
 class Rewriter {
 public:
-    Rewriter(std::string_view text, const std::vector<Token>& tokens) : text_(text) {
-        for (const Token& t : tokens) {
-            if (t.kind == Kind::Space || t.kind == Kind::Comment)
-                continue;
-            if (isPunct(t, ';'))
-                break;
-            sig_.push_back(t);
-        }
-    }
+    explicit Rewriter(std::string_view text) : text_(text), t_(text, tokenize(text), true) {}
 
     std::string run() {
-        if (isWord(0, "truncate"))
+        if (t_.isWord(0, "truncate"))
             truncateToDelete();
-        else if (isWord(0, "insert"))
+        else if (t_.isWord(0, "insert"))
             insert();
-        else if (isWord(0, "update"))
+        else if (t_.isWord(0, "update"))
             update();
         return apply();
     }
 
 private:
-    static constexpr std::size_t npos = static_cast<std::size_t>(-1);
-
-    std::string_view textOf(const Token& t) const { return text_.substr(t.begin, t.end - t.begin); }
-    bool isPunct(const Token& t, char c) const {
-        return t.kind == Kind::Punct && text_[t.begin] == c;
-    }
-    bool isPunct(std::size_t i, char c) const { return i < sig_.size() && isPunct(sig_[i], c); }
-    bool isWord(std::size_t i, std::string_view word) const {
-        if (i >= sig_.size() || sig_[i].kind != Kind::Word)
-            return false;
-        const std::string_view t = textOf(sig_[i]);
-        return std::equal(t.begin(), t.end(), word.begin(), word.end(), [](char a, char b) {
-            const auto lower = [](char x) {
-                return x >= 'A' && x <= 'Z' ? char(x - 'A' + 'a') : x;
-            };
-            return lower(a) == lower(b);
-        });
-    }
-    bool isName(std::size_t i) const {
-        return i < sig_.size() && (sig_[i].kind == Kind::Word || sig_[i].kind == Kind::Name);
-    }
-
-    // Index of the ')' that closes the '(' at `open`, or npos.
-    std::size_t closing(std::size_t open) const {
-        int depth = 0;
-        for (std::size_t i = open; i < sig_.size(); ++i) {
-            if (isPunct(i, '('))
-                ++depth;
-            else if (isPunct(i, ')') && --depth == 0)
-                return i;
-        }
-        return npos;
-    }
+    static constexpr std::size_t npos = sql::Tokens::npos;
 
     // Past a table name, with its optional schema.
     std::size_t skipTableName(std::size_t i) const {
-        if (!isName(i))
+        if (!t_.isName(i))
             return npos;
-        if (isPunct(i + 1, '.') && isName(i + 2))
+        if (t_.isPunct(i + 1, '.') && t_.isName(i + 2))
             return i + 3;
         return i + 1;
     }
@@ -92,24 +51,24 @@ private:
     // "truncate [table] T" -> "delete from T"
     void truncateToDelete() {
         std::size_t last = 0;
-        if (isWord(1, "table") && isName(2))
+        if (t_.isWord(1, "table") && t_.isName(2))
             last = 1;
-        if (!isName(last + 1))
+        if (!t_.isName(last + 1))
             return;
-        edits_.push_back({sig_[0].begin, sig_[last].end, "delete from"});
+        edits_.push_back({t_.at(0).begin, t_.at(last).end, "delete from"});
     }
 
     void insert() {
         std::size_t i = 1;
-        if (isWord(i, "or"))
+        if (t_.isWord(i, "or"))
             i += 2;
-        if (!isWord(i, "into"))
+        if (!t_.isWord(i, "into"))
             return;
         i = skipTableName(i + 1);
         if (i == npos)
             return;
-        if (isPunct(i, '(')) {
-            const std::size_t close = closing(i);
+        if (t_.isPunct(i, '(')) {
+            const std::size_t close = t_.closing(i);
             if (close == npos)
                 return;
             if (startsSelect(i + 1)) {
@@ -118,40 +77,40 @@ private:
             }
             bracketKeywordColumns(i + 1, close);
             i = close + 1;
-            if (isPunct(i, '(') && startsSelect(i + 1)) {
-                if (const std::size_t inner = closing(i); inner != npos)
+            if (t_.isPunct(i, '(') && startsSelect(i + 1)) {
+                if (const std::size_t inner = t_.closing(i); inner != npos)
                     unwrap(i, inner);
                 return;
             }
         }
-        if (isWord(i, "values"))
+        if (t_.isWord(i, "values"))
             quoteValueRows(i + 1);
     }
 
     void update() {
         std::size_t i = 1;
-        while (i < sig_.size() && !isWord(i, "set"))
+        while (i < t_.size() && !t_.isWord(i, "set"))
             ++i;
-        if (i == sig_.size())
+        if (i == t_.size())
             return;
         // Assignments run to the first clause word outside parentheses.
         std::size_t start = i + 1;
         int depth = 0;
-        for (i = start; i <= sig_.size(); ++i) {
-            const bool atEnd = i == sig_.size();
-            if (!atEnd && isPunct(i, '(')) {
+        for (i = start; i <= t_.size(); ++i) {
+            const bool atEnd = i == t_.size();
+            if (!atEnd && t_.isPunct(i, '(')) {
                 ++depth;
                 continue;
             }
-            if (!atEnd && isPunct(i, ')')) {
+            if (!atEnd && t_.isPunct(i, ')')) {
                 --depth;
                 continue;
             }
             const bool clauseEnd =
-                atEnd ||
-                (depth == 0 && (isWord(i, "where") || isWord(i, "from") || isWord(i, "returning") ||
-                                isWord(i, "order") || isWord(i, "limit")));
-            if (clauseEnd || (depth == 0 && isPunct(i, ','))) {
+                atEnd || (depth == 0 && (t_.isWord(i, "where") || t_.isWord(i, "from") ||
+                                         t_.isWord(i, "returning") || t_.isWord(i, "order") ||
+                                         t_.isWord(i, "limit")));
+            if (clauseEnd || (depth == 0 && t_.isPunct(i, ','))) {
                 quoteAssignedNumber(start, i);
                 start = i + 1;
             }
@@ -160,12 +119,14 @@ private:
         }
     }
 
-    bool startsSelect(std::size_t i) const { return isWord(i, "select") || isWord(i, "with"); }
+    bool startsSelect(std::size_t i) const {
+        return t_.isWord(i, "select") || t_.isWord(i, "with");
+    }
 
     // Drops the parentheses around an inserted select, keeping the words apart.
     void unwrap(std::size_t open, std::size_t close) {
         for (const std::size_t i : {open, close}) {
-            const Token& t = sig_[i];
+            const Token& t = t_.at(i);
             const bool spaced = t.begin == 0 || isSpace(text_[t.begin - 1]) ||
                                 t.end == text_.size() || isSpace(text_[t.end]);
             edits_.push_back({t.begin, t.end, spaced ? "" : " "});
@@ -175,10 +136,10 @@ private:
     // A keyword standing as a column name (Default) is bracketed; the engine's own list decides.
     void bracketKeywordColumns(std::size_t from, std::size_t to) {
         for (std::size_t i = from; i < to; ++i) {
-            const Token& t = sig_[i];
+            const Token& t = t_.at(i);
             if (t.kind != Kind::Word)
                 continue;
-            const std::string_view word = textOf(t);
+            const std::string_view word = t_.textOf(t);
             if (sqlite3_keyword_check(word.data(), static_cast<int>(word.size())) != 0)
                 edits_.push_back({t.begin, t.end, "[" + std::string(word) + "]"});
         }
@@ -186,23 +147,23 @@ private:
 
     // values (...), (...): each element that is just a number is quoted.
     void quoteValueRows(std::size_t i) {
-        while (isPunct(i, '(')) {
-            const std::size_t close = closing(i);
+        while (t_.isPunct(i, '(')) {
+            const std::size_t close = t_.closing(i);
             if (close == npos)
                 return;
             std::size_t start = i + 1;
             int depth = 0;
             for (std::size_t j = i + 1; j <= close; ++j) {
-                if (isPunct(j, '('))
+                if (t_.isPunct(j, '('))
                     ++depth;
-                else if (isPunct(j, ')') && j != close)
+                else if (t_.isPunct(j, ')') && j != close)
                     --depth;
-                else if ((depth == 0 && isPunct(j, ',')) || j == close) {
+                else if ((depth == 0 && t_.isPunct(j, ',')) || j == close) {
                     quoteNumber(start, j);
                     start = j + 1;
                 }
             }
-            if (!isPunct(close + 1, ','))
+            if (!t_.isPunct(close + 1, ','))
                 return;
             i = close + 2;
         }
@@ -211,7 +172,7 @@ private:
     // `column = number` with the number quoted; tokens [from, to).
     void quoteAssignedNumber(std::size_t from, std::size_t to) {
         for (std::size_t i = from; i < to; ++i) {
-            if (isPunct(i, '=')) {
+            if (t_.isPunct(i, '=')) {
                 quoteNumber(i + 1, to);
                 return;
             }
@@ -221,13 +182,13 @@ private:
     // Quotes tokens [from, to) when they are exactly one number, with a sign written against it.
     void quoteNumber(std::size_t from, std::size_t to) {
         std::size_t first = from;
-        if (to == from + 2 && (isPunct(from, '-') || isPunct(from, '+')) &&
-            sig_[from].end == sig_[from + 1].begin)
+        if (to == from + 2 && (t_.isPunct(from, '-') || t_.isPunct(from, '+')) &&
+            t_.at(from).end == t_.at(from + 1).begin)
             ++first;
-        if (first + 1 != to || sig_[first].kind != Kind::Number)
+        if (first + 1 != to || t_.at(first).kind != Kind::Number)
             return;
-        const std::size_t begin = sig_[from].begin;
-        const std::size_t end = sig_[first].end;
+        const std::size_t begin = t_.at(from).begin;
+        const std::size_t end = t_.at(first).end;
         edits_.push_back({begin, end, "'" + std::string(text_.substr(begin, end - begin)) + "'"});
     }
 
@@ -247,14 +208,12 @@ private:
     }
 
     std::string_view text_;
-    std::vector<Token> sig_;
+    sql::Tokens t_;
     std::vector<Edit> edits_;
 };
 
 } // namespace
 
-std::string translateStatement(std::string_view text) {
-    return Rewriter(text, tokenize(text)).run();
-}
+std::string translateStatement(std::string_view text) { return Rewriter(text).run(); }
 
 } // namespace store

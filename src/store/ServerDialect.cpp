@@ -1,5 +1,7 @@
 #include "store/ServerDialect.h"
 
+#include "common/Convert.h"
+
 #include "store/Dialect.h"
 #include "store/SqlTokens.h"
 #include "store/StoreError.h"
@@ -13,16 +15,12 @@ namespace {
 
 using sql::Kind;
 using sql::Token;
+using sql::Tokens;
 
 // The engine code of a text the server side refuses (SQLITE_MISUSE).
 constexpr int kRefused = 21;
 
 char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; }
-
-bool sameWord(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lowerAscii(x) == lowerAscii(y); });
-}
 
 // A single-quoted SQL literal.
 std::string literal(std::string_view s) { return sql::quote(s, '\''); }
@@ -42,40 +40,6 @@ std::string nameOf(std::string_view token) {
     }
     return out;
 }
-
-// The significant tokens of a text (no blanks, no comments), with their text.
-class Tokens {
-public:
-    explicit Tokens(std::string_view text) : text_(text) {
-        for (const Token& t : sql::tokenize(text))
-            if (t.kind != Kind::Space && t.kind != Kind::Comment)
-                sig_.push_back(t);
-    }
-    Tokens(std::string_view text, std::vector<Token> sig) : text_(text), sig_(std::move(sig)) {}
-
-    std::size_t size() const { return sig_.size(); }
-    const Token& at(std::size_t i) const { return sig_[i]; }
-    std::string_view textOf(std::size_t i) const {
-        return text_.substr(sig_[i].begin, sig_[i].end - sig_[i].begin);
-    }
-    bool isWord(std::size_t i, std::string_view word) const {
-        return i < sig_.size() && sig_[i].kind == Kind::Word && sameWord(textOf(i), word);
-    }
-    bool isPunct(std::size_t i, char c) const {
-        return i < sig_.size() && sig_[i].kind == Kind::Punct && text_[sig_[i].begin] == c;
-    }
-    bool isName(std::size_t i) const {
-        return i < sig_.size() && (sig_[i].kind == Kind::Word || sig_[i].kind == Kind::Name);
-    }
-    // The text from token `from` to the end of token `to` (inclusive), as written.
-    std::string_view span(std::size_t from, std::size_t to) const {
-        return text_.substr(sig_[from].begin, sig_[to].end - sig_[from].begin);
-    }
-
-private:
-    std::string_view text_;
-    std::vector<Token> sig_;
-};
 
 [[noreturn]] void refuse(std::string_view what, std::string_view text) {
     throw StoreError(
@@ -180,10 +144,10 @@ std::vector<std::pair<std::size_t, std::string>> rowidTables(const Tokens& t,
 
 // The word and name rewrites, on a text already in the embedded engine's dialect.
 std::string rewriteForServer(std::string_view text, std::string_view original) {
-    const Tokens significant(text);
+    const std::vector<Token> tokens = sql::tokenize(text);
+    const Tokens significant(text, tokens);
     checkServerCanRun(significant, original);
     const auto tables = rowidTables(significant, original);
-    const std::vector<Token> tokens = sql::tokenize(text);
     std::string out;
     out.reserve(text.size() + text.size() / 8);
     for (std::size_t i = 0; i < tokens.size(); ++i) {
@@ -195,15 +159,16 @@ std::string rewriteForServer(std::string_view text, std::string_view original) {
             out += table->second;
         } else if (t.kind == Kind::Name) {
             out += quoteName(nameOf(s));
-        } else if (t.kind == Kind::Word && (sameWord(s, "rowid") || sameWord(s, "oid"))) {
+        } else if (t.kind == Kind::Word &&
+                   (common::sameText(s, "rowid") || common::sameText(s, "oid"))) {
             out += "_rowid_";
-        } else if (t.kind == Kind::Word && sameWord(s, "true")) {
+        } else if (t.kind == Kind::Word && common::sameText(s, "true")) {
             out += '1';
-        } else if (t.kind == Kind::Word && sameWord(s, "false")) {
+        } else if (t.kind == Kind::Word && common::sameText(s, "false")) {
             out += '0';
-        } else if (t.kind == Kind::Word && sameWord(s, "like")) {
+        } else if (t.kind == Kind::Word && common::sameText(s, "like")) {
             out += "ilike";
-        } else if (t.kind == Kind::Word && sameWord(s, "ifnull")) {
+        } else if (t.kind == Kind::Word && common::sameText(s, "ifnull")) {
             out += "coalesce";
         } else if (t.kind == Kind::Punct && (s == ":" || s == "@" || s == "$") &&
                    i + 1 < tokens.size() && tokens[i + 1].begin == t.end &&
@@ -488,9 +453,7 @@ private:
     // Type affinity as the embedded engine reads a declared type, on the server's types; a
     // text is compared byte for byte, as the embedded engine does.
     static std::string serverType(const std::string& declared) {
-        std::string upper = declared;
-        for (char& c : upper)
-            c = c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c;
+        const std::string upper = common::upperCase(declared);
         const auto has = [&](const char* part) { return upper.find(part) != std::string::npos; };
         if (has("INT"))
             return "bigint";
@@ -551,13 +514,9 @@ private:
     std::string defaultValue() {
         const std::size_t from = i_;
         if (t_.isPunct(i_, '(')) {
-            int depth = 0;
-            for (; i_ < t_.size(); ++i_) {
-                if (t_.isPunct(i_, '('))
-                    ++depth;
-                else if (t_.isPunct(i_, ')') && --depth == 0)
-                    break;
-            }
+            i_ = t_.closing(i_);
+            if (i_ == Tokens::npos)
+                i_ = t_.size();
         } else if (t_.isPunct(i_, '-') || t_.isPunct(i_, '+')) {
             ++i_;
         }
@@ -656,7 +615,7 @@ std::vector<std::string> translateScript(std::string_view script) {
     const auto flush = [&] {
         if (statement.empty())
             return;
-        for (std::string& s : translateOne(Tokens(script, std::move(statement))))
+        for (std::string& s : translateOne(Tokens(script, statement)))
             out.push_back(std::move(s));
         statement.clear();
     };

@@ -146,7 +146,7 @@ public:
         : link_(std::move(link)), shown_(shown) {
         int count = 0;
         const std::string text = server::numberParameters(sql, count);
-        if (isEmpty(text))
+        if (sql::onlyNoise(text))
             throw StoreError("Empty statement: " + shown_, code::Misuse);
         const std::string word = firstWord(text);
         readOnly_ = word == "select" || word == "values" || word == "show" || word == "explain";
@@ -293,28 +293,6 @@ public:
     int parameterCount() const override { return static_cast<int>(parameters_.size()); }
 
 private:
-    // True when nothing but blanks, semicolons and comments stands in the text.
-    static bool isEmpty(const std::string& text) {
-        std::size_t i = 0;
-        while (i < text.size()) {
-            const char c = text[i];
-            if (c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == ';') {
-                ++i;
-            } else if (text.compare(i, 2, "--") == 0) {
-                i = text.find('\n', i);
-                if (i == std::string::npos)
-                    return true;
-            } else if (text.compare(i, 2, "/*") == 0) {
-                i = text.find("*/", i + 2);
-                if (i == std::string::npos)
-                    return true;
-                i += 2;
-            } else {
-                return false;
-            }
-        }
-        return true;
-    }
     static std::string firstWord(const std::string& text) {
         std::size_t i = text.find_first_not_of(" \t\r\n(");
         std::string word;
@@ -471,12 +449,21 @@ private:
     bool queryOnly_ = false;
 };
 
+bool schemaExists(Link& link, const std::string& schema) {
+    auto found = wrap(PQexec(
+        link.conn, ("select 1 from pg_namespace where nspname = " + literal(schema)).c_str()));
+    return PQntuples(found.get()) > 0;
+}
+
+// The name a connection of the cell shows the server, by which `serverSchemaInUse` finds it.
+std::string applicationName(const ServerLocation& location) { return "quorvel:" + location.schema; }
+
 std::shared_ptr<Link> connect(const ServerLocation& location) {
     auto link = std::make_shared<Link>();
     link->shownUri = location.shownUri;
     link->schema = location.schema;
-    link->lockKey = textHash("quorvel:" + location.schema);
-    const std::string application = "quorvel:" + location.schema;
+    const std::string application = applicationName(location);
+    link->lockKey = textHash(application);
     const char* keywords[] = {"dbname", "application_name", "connect_timeout", nullptr};
     const char* values[] = {location.uri.c_str(), application.c_str(), "10", nullptr};
     link->conn = PQconnectdbParams(keywords, values, 1);
@@ -506,10 +493,7 @@ std::unique_ptr<Connection> openServer(const ServerLocation& location,
             for (const auto& statement : server::catalogStatements())
                 link->exec(statement);
         } else {
-            auto found = wrap(PQexec(link->conn, ("select 1 from pg_namespace where nspname = " +
-                                                  literal(location.schema))
-                                                     .c_str()));
-            if (PQntuples(found.get()) == 0)
+            if (!schemaExists(*link, location.schema))
                 throw StoreError("the schema does not exist; run quorvel init --server to make "
                                  "the cell",
                                  code::CantOpen);
@@ -530,11 +514,7 @@ std::unique_ptr<Connection> openServer(const ServerLocation& location,
 }
 
 bool serverSchemaExists(const ServerLocation& location) {
-    auto link = connect(location);
-    auto found = wrap(
-        PQexec(link->conn,
-               ("select 1 from pg_namespace where nspname = " + literal(location.schema)).c_str()));
-    return PQntuples(found.get()) > 0;
+    return schemaExists(*connect(location), location.schema);
 }
 
 bool serverSchemaInUse(const ServerLocation& location) {
@@ -542,7 +522,7 @@ bool serverSchemaInUse(const ServerLocation& location) {
     auto found = wrap(
         PQexec(link->conn, ("select 1 from pg_stat_activity where "
                             "application_name = " +
-                            literal("quorvel:" + location.schema) + " and pid <> pg_backend_pid()")
+                            literal(applicationName(location)) + " and pid <> pg_backend_pid()")
                                .c_str()));
     return PQntuples(found.get()) > 0;
 }

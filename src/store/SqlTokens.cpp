@@ -1,5 +1,7 @@
 #include "store/SqlTokens.h"
 
+#include "common/Convert.h"
+
 namespace store::sql {
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
@@ -110,6 +112,54 @@ std::vector<Token> tokenize(std::string_view s) {
         tokens.push_back({kind, start, i});
     }
     return tokens;
+}
+
+Tokens::Tokens(std::string_view text, const std::vector<Token>& all, bool toFirstSemicolon)
+    : text_(text) {
+    for (const Token& t : all) {
+        if (t.kind == Kind::Space || t.kind == Kind::Comment)
+            continue;
+        if (toFirstSemicolon && t.kind == Kind::Punct && text[t.begin] == ';')
+            break;
+        sig_.push_back(t);
+    }
+}
+
+bool Tokens::isWord(std::size_t i, std::string_view word) const {
+    return i < sig_.size() && sig_[i].kind == Kind::Word && common::sameText(textOf(i), word);
+}
+
+std::size_t Tokens::closing(std::size_t open) const {
+    int depth = 0;
+    for (std::size_t i = open; i < sig_.size(); ++i) {
+        if (isPunct(i, '('))
+            ++depth;
+        else if (isPunct(i, ')') && --depth == 0)
+            return i;
+    }
+    return npos;
+}
+
+bool onlyNoise(std::string_view text) {
+    std::size_t i = 0;
+    while (i < text.size()) {
+        const char c = text[i];
+        if (c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == ';') {
+            ++i;
+        } else if (text.substr(i, 2) == "--") {
+            i = text.find('\n', i);
+            if (i == std::string_view::npos)
+                return true;
+        } else if (text.substr(i, 2) == "/*") {
+            i = text.find("*/", i + 2);
+            if (i == std::string_view::npos)
+                return true;
+            i += 2;
+        } else {
+            return false;
+        }
+    }
+    return true;
 }
 
 std::string quote(std::string_view text, char mark) {

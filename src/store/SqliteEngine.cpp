@@ -14,28 +14,6 @@ namespace store {
 
 namespace {
 
-// True when the rest of a statement text holds nothing but blanks, semicolons and comments.
-bool onlyTrailingNoise(const char* tail) {
-    const char* p = tail;
-    while (*p) {
-        if (*p == ' ' || *p == '\t' || *p == '\r' || *p == '\n' || *p == ';') {
-            ++p;
-        } else if (p[0] == '-' && p[1] == '-') {
-            while (*p && *p != '\n')
-                ++p;
-        } else if (p[0] == '/' && p[1] == '*') {
-            p += 2;
-            while (*p && !(p[0] == '*' && p[1] == '/'))
-                ++p;
-            if (*p)
-                p += 2;
-        } else {
-            return false;
-        }
-    }
-    return true;
-}
-
 std::string quoted(const std::string& name) { return sql::quote(name, '"'); }
 
 class SqliteStatement : public EngineStatement {
@@ -50,7 +28,7 @@ public:
             sqlite3_finalize(stmt_);
             throw StoreError("Statement failed: " + message + " in: " + shown_, rc);
         }
-        if (tail && !onlyTrailingNoise(tail)) {
+        if (tail && !sql::onlyNoise(tail)) {
             sqlite3_finalize(stmt_);
             throw StoreError("Only one statement may run per call; nothing was run of: " + shown_,
                              SQLITE_MISUSE);
