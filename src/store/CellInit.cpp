@@ -74,23 +74,22 @@ void createCell(const std::string& dir, const CellOptions& options) {
         throw StoreError("Cannot create the cell directory " + dir + ": " + ec.message());
     const fs::path shared = fs::path(dir) / schema::SharedFile;
     const fs::path local = fs::path(dir) / schema::LocalFile;
+    const auto alreadyHolds = [&](const fs::path& file) {
+        return StoreError("The cell in " + dir + " already holds " + file.filename().string() +
+                          "; give --force to replace it");
+    };
     // A server cell file in the folder decides where the databases are; `server` writes one.
     if (!options.server.empty()) {
-        for (const auto& file : {shared, local})
+        for (const auto& file : {shared, local, fs::path(dir) / ServerCellFile})
             if (fs::exists(file, ec) && !options.overwrite)
-                throw StoreError("The cell in " + dir + " already holds " +
-                                 file.filename().string() + "; give --force to replace it");
-        if (fs::exists(fs::path(dir) / ServerCellFile, ec) && !options.overwrite)
-            throw StoreError("The cell in " + dir + " already holds " + ServerCellFile +
-                             "; give --force to replace it");
+                throw alreadyHolds(file);
         writeServerCell(dir, options.server, options.serverName);
     }
     for (const auto& file : {shared, local}) {
         if (!databaseExists(file))
             continue;
         if (!options.overwrite)
-            throw StoreError("The cell in " + dir + " already holds " + file.filename().string() +
-                             "; give --force to replace it");
+            throw alreadyHolds(file);
         // Deleting a file another process has open would leave it writing to rows that are gone.
         if (databaseInUse(file))
             throw StoreError("The cell in " + dir + " is in use: " + file.filename().string() +

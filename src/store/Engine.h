@@ -64,15 +64,15 @@ public:
                                                      const std::string& shown) = 0;
     // Runs several statements, for creating cells and fixtures.
     virtual void executeScript(const std::string& script) = 0;
-    // A statement text of the system (as written by its routines) made ready for this engine;
-    // `embedded` is the embedded engine's translation.
+    // A statement text of the system (as written by its routines) as this engine prepares it;
+    // `embedded` is the embedded engine's translation. A server rewrites texts when it prepares
+    // them, so it returns the text as it is.
     virtual std::string translate(const std::string& text,
                                   std::string (*embedded)(std::string_view)) = 0;
-    // True when a translated text holds a parameter that only preparing it would otherwise find
-    // (the server refuses some texts before it counts them).
-    virtual bool holdsParameter(const std::string& translated) = 0;
-    // A condition of the system (a filter text) made ready for this engine.
-    virtual std::string translateCondition(const std::string& text) = 0;
+    // True when a text to prepare (a statement, or a filter condition) holds a parameter that
+    // only preparing it would otherwise find (the server refuses some texts before it counts
+    // them).
+    virtual bool holdsParameter(const std::string& text) = 0;
 
     virtual bool inTransaction() = 0;
     // The statements that open the outermost transaction: one that writes takes the write lock

@@ -325,8 +325,7 @@ public:
         : link_(std::move(link)), forReading_(forReading) {}
 
     // Every text is read as the system writes them for the embedded engine, the store's own
-    // included (its rowid lookups, `?` marks); the rewrite leaves a text already made for the
-    // server as it is.
+    // included (its rowid lookups, `?` marks), and is rewritten here, once.
     std::unique_ptr<EngineStatement> prepare(const std::string& sql,
                                              const std::string& shown) override {
         return std::make_unique<ServerStatement>(link_, server::translateStatement(sql), shown);
@@ -336,15 +335,13 @@ public:
             link_->exec(statement);
         link_->loadNames();
     }
+    // The embedded engine's rewrite is part of the server's, which `prepare` makes.
     std::string translate(const std::string& text, std::string (*)(std::string_view)) override {
-        return server::translateStatement(text);
+        return text;
     }
-    std::string translateCondition(const std::string& text) override {
-        return server::translateStatement(text);
-    }
-    bool holdsParameter(const std::string& translated) override {
+    bool holdsParameter(const std::string& text) override {
         int count = 0;
-        server::numberParameters(translated, count);
+        server::numberParameters(server::translateStatement(text), count);
         return count > 0;
     }
 

@@ -127,7 +127,6 @@ public:
                           std::string (*embedded)(std::string_view)) override {
         return embedded(text);
     }
-    std::string translateCondition(const std::string& text) override { return text; }
     bool holdsParameter(const std::string&) override { return false; }
 
     bool inTransaction() override { return !sqlite3_get_autocommit(db_); }

@@ -222,7 +222,7 @@ void Table::buildPlan() {
         p.selectFrom += ", " + name;
     p.selectFrom += " from " + p.source;
     if (filtered_ && !common::trim(filter_).empty())
-        p.where = "(" + engine.translateCondition(filter_) + ")";
+        p.where = "(" + filter_ + ")";
     std::vector<std::string> order;
     for (auto& k : keyNames_)
         order.push_back(quoteName(k));
